@@ -1,0 +1,173 @@
+#pragma once
+
+// Everything that lives: the Script, the pictures, the run, the settings, the logs. It is data;
+// subsystems are modules of free functions on it. During a run the worker thread is its only
+// writer, but for `keepRunning`.
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/user_interface.h"
+#include "imaging/image.h"
+#include "script/fields.h"
+#include "script/script.h"
+#include "settings/settings.h"
+
+namespace lumo::engine {
+
+inline constexpr int kMaxRunCommands = 2000;
+inline constexpr int kSubroutineStackWords = 2400;
+
+/// The Script in the window, and its file.
+struct ScriptState {
+    script::Script commands;
+    script::Script undo;
+    bool hasUndo = false;
+    bool hasFile = false;
+    bool modified = false;
+    std::string path;                                  // of the file, if hasFile
+    std::string caption = "Batch script: (unsaved)";  // as the logs name it
+};
+
+/// The working image and what writers and later commands are told of it.
+struct WorkingImage {
+    imaging::Image main;
+    int imageBits = 24;        // 24, 8 or 1; the pixels stay 24-bit
+    int imageBitsForced = 0;   // 1 when a command has reduced the picture
+    bool grey = false;         // skips a second conversion to grey
+};
+
+/// The sample image and its copies.
+struct SampleImages {
+    imaging::Image left;         // as opened; never changed by a command
+    std::string path;            // where it came from
+    imaging::Image held;         // a copy made on demand
+    std::string heldPath;
+    imaging::Image blendSource;  // second image of "Blend images"
+    std::string leftDepthLabel;
+    std::string rightDepthLabel;
+};
+
+/// Who works on what.
+enum class RunMode : std::int8_t {
+    Idle = -1,
+    OneCommand = 1,       // one command on the sample
+    WholeScript = 2,      // the Script on the sample, step by step
+    BatchOnSample = 3,    // the batch machinery over the sample
+    Batch = 4,            // over the input
+};
+
+/// One batch run, or none.
+struct RunState {
+    std::atomic<int> keepRunning{1};  // 0: stop before the next command; the one word both threads use
+    std::atomic<bool> batchRunning{false};
+    bool inRun = false;               // the run loop is dispatching
+    RunMode mode = RunMode::Idle;
+    bool onLeftImage = false;
+    bool autoRun = false, autoExit = false, noPrompts = false, forceErrorLog = false;
+    bool showEachImage = false;
+
+    script::Script list;              // the run lists
+    int startIdx = -1, endIdx = -1, runCount = 0;
+    int startIdxBefore = -1, endIdxBefore = -1;  // before subroutines were loaded
+    std::vector<std::int32_t> nextPc = std::vector<std::int32_t>(kMaxRunCommands);
+    std::vector<std::int32_t> branchPc = std::vector<std::int32_t>(kMaxRunCommands);
+    std::array<std::int32_t, kSubroutineStackWords> stack{-1};
+    int stackIndex = 0;
+    int pc = 0, prevPc = -1;
+
+    std::vector<std::string> inputList;
+    int imageIndex = -1;
+    int imageCount = 0;
+    int firstScanCount = 0;           // "Total input images: "
+    int statFiles = 0, statOutputs = 0, errorCount = 0, statInputs = 0, warningCount = 0;
+    int failureReports = 0;           // calls of OnCommandFailure; counts for the exit status only
+    int fatalCode = 0;                // of ReportFatal, 0 none
+    bool refused = false;             // ended before its first image
+    bool aborted = false;
+    std::chrono::system_clock::time_point startTime;
+};
+
+/// Flags of a walk over the Script on the sample image.
+struct TestWalk {
+    int ifFlag = 1, doFlag = 1, exitFlag = 0;
+    int subSkip = 0, subDepth = 0;
+    std::string ifStack, elseStack;   // letters T and F, one for each open IF
+    std::vector<int> subReturnList;   // newest last
+    int testPc = 0;
+    int loopReturn = 0, loopCount = 0, doReturn = 0;
+    bool running = false;
+};
+
+/// The current input file, set by SplitInputPath.
+struct InputFile {
+    std::string path;       // as it stands in the list
+    std::string folder;     // up to and including the last separator
+    std::string title;      // name without extension
+    std::string name;       // name with extension
+    std::string extension;  // with the dot
+    int type = 0;           // GetExtType of the extension
+};
+
+/// Lines of the logs while a run lasts.
+struct RunLogs {
+    std::vector<std::string> batch;
+    std::vector<std::string> error;
+    bool debugOn = false;  // Debug.log; off at each program start
+    int executions = 0;    // commands on the current image, for Debug.log
+};
+
+using MarkerList = std::vector<std::pair<int, std::vector<std::uint8_t>>>;  // code, payload
+using TextPairs = std::vector<std::pair<std::string, std::string>>;         // key, text
+
+/// What was read from the current input file, and what goes into the next output.
+struct MetadataStores {
+    MarkerList jpgInput, jpgOutput;
+    TextPairs pngInput, pngOutput;
+    void Clear() { *this = {}; }
+};
+
+/// The generator that old Scripts rely on: fixed, so that a run repeats.
+class Random {
+  public:
+    void Seed(std::uint32_t seed) { state_ = seed; }
+    /// 0 to 32767.
+    int Next() {
+        state_ = state_ * 214013U + 2531011U;
+        return static_cast<int>((state_ >> 16) & 0x7fffU);
+    }
+
+  private:
+    std::uint32_t state_ = 2;
+};
+
+/// The main view: the one owner of all state.
+struct CLumoscriptView {
+    explicit CLumoscriptView(UserInterface& userInterface) : ui(userInterface) {}
+    CLumoscriptView(const CLumoscriptView&) = delete;
+    CLumoscriptView& operator=(const CLumoscriptView&) = delete;
+
+    UserInterface& ui;
+    settings::Settings settings;
+    ScriptState script;
+    WorkingImage working;
+    SampleImages sample;
+    RunState run;
+    TestWalk test;
+    std::array<std::int32_t, 10> counters{};  // A to J
+    InputFile input;
+    script::Fields inputSettings;             // fields of the current START command
+    int openedImages = 0;                     // AutoNumeric; goes on from run to run
+    int incrementalCount = 0;                 // goes on from run to run
+    RunLogs logs;
+    MetadataStores metadata;
+    Random random;
+};
+
+}  // namespace lumo::engine
