@@ -1,0 +1,95 @@
+#pragma once
+
+// Files and folders. Paths are native bytes. Nothing here throws.
+
+#include <cstdint>
+#include <ctime>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/result.h"
+
+namespace lumo::platform {
+
+struct FileStatus {
+    bool isFolder = false;
+    std::uint64_t size = 0;
+    std::time_t created = 0;   // birth time where the file system has it, else as modified
+    std::time_t modified = 0;
+};
+
+/// None if nothing is there (or it cannot be looked at). Follows links.
+std::optional<FileStatus> GetFileStatus(const std::string& path);
+bool FileExists(const std::string& path);
+bool FolderExists(const std::string& path);
+
+/// The whole file; refuses folders, devices and more than `maxBytes`.
+Result<std::vector<std::uint8_t>> ReadFile(const std::string& path,
+                                           std::uint64_t maxBytes = std::uint64_t{2} << 30);
+Result<std::string> ReadTextFile(const std::string& path,
+                                 std::uint64_t maxBytes = std::uint64_t{64} << 20);
+
+enum class Durability {
+    Rename,  // whole or not at all against a kill of the program
+    Sync,    // and against a loss of power
+};
+
+/// A file that is written beside its target under a temporary name and renamed over it by Commit;
+/// without Commit nothing is left. The temporary is opened exclusively and never through a link;
+/// its name is one that a folder scan never enlists. An existing target keeps its mode.
+class AtomicFile {
+  public:
+    AtomicFile() = default;
+    AtomicFile(AtomicFile&& other) noexcept;
+    AtomicFile& operator=(AtomicFile&& other) noexcept;
+    ~AtomicFile();
+
+    /// Fails at once where the folder does not exist or cannot be written.
+    static Result<AtomicFile> Create(const std::string& target);
+    Status Write(std::span<const std::uint8_t> bytes);
+    Status Commit(Durability durability);
+
+  private:
+    void Discard();
+    int descriptor_ = -1;
+    std::string target_;
+    std::string temporary_;
+};
+
+/// AtomicFile in one call.
+Status WriteFile(const std::string& path, std::span<const std::uint8_t> bytes,
+                 Durability durability = Durability::Rename);
+Status WriteTextFile(const std::string& path, std::string_view text,
+                     Durability durability = Durability::Rename);
+
+struct FolderEntry {
+    std::string name;
+    bool isFolder = false;
+};
+
+/// Entries of a folder without "." and "..", in ascending order of their names compared byte by
+/// byte after ASCII upper-casing, ties by the bytes as they are. Temporary files of AtomicFile are
+/// left out. Empty for a folder that cannot be read.
+std::vector<FolderEntry> ListFolder(const std::string& path);
+
+/// True for the temporary names of AtomicFile.
+bool IsTemporaryName(std::string_view name);
+
+/// Makes all missing folders of a path.
+Status MakeFolders(const std::string& path);
+
+Status RemoveFile(const std::string& path);
+
+/// The name of the path's last component as the folder holds it, if the file exists under this
+/// very path.
+std::optional<std::string> TrueName(const std::string& path);
+
+/// A key that is the same for two paths to one folder, to end loops of links; none if it is gone.
+std::optional<std::pair<std::uint64_t, std::uint64_t>> FolderIdentity(const std::string& path);
+
+}  // namespace lumo::platform
