@@ -32,6 +32,11 @@ class UserInterface {
     /// A question with Yes and No; false is No.
     virtual bool Ask(std::string_view question) = 0;
 
+    /// A line for whoever started the program from a terminal: standard error.
+    virtual void Notice(std::string_view text) = 0;
+    /// The program is to end (unattended runs).
+    virtual void Quit() {}
+
     virtual void SetTitle(std::string_view) {}   // of the main window: "33% Done", "" the usual one
     virtual void SetStatus(std::string_view) {}  // "Processing...", "Done!"
     virtual void SetRunButton(std::string_view) {}
@@ -49,7 +54,7 @@ class UserInterface {
     virtual void Redraw() {}
     virtual void ShowWaitCursor(bool) {}
     virtual void Play(Sound) {}
-    /// Asks for a call of view.OnTimer(2) after so many milliseconds.
+    /// Asks for a call of OnTimer2 after so many milliseconds.
     virtual void StartTimer2(int) {}
     /// The run is over and its worker about to end.
     virtual void RunEnded() {}

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -92,6 +93,7 @@ struct RunState {
     bool refused = false;             // ended before its first image
     bool aborted = false;
     std::chrono::system_clock::time_point startTime;
+    std::thread worker;               // of the run that lasts, or of the last one
 };
 
 /// Flags of a walk over the Script on the sample image.
@@ -162,7 +164,7 @@ struct CLumoscriptView {
     TestWalk test;
     std::array<std::int32_t, 10> counters{};  // A to J
     InputFile input;
-    script::Fields inputSettings;             // fields of the current START command
+    script::Fields inputSettings;  // fields of the current START command
     int openedImages = 0;                     // AutoNumeric; goes on from run to run
     int incrementalCount = 0;                 // goes on from run to run
     RunLogs logs;

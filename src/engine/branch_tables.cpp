@@ -1,0 +1,112 @@
+#include "engine/branch_tables.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "script/fields.h"
+#include "script/names.h"
+
+namespace lumo::engine {
+namespace {
+
+namespace names = script::names;
+using script::Script;
+
+bool IsIfStarter(std::string_view name) {
+    return name == names::kIfCondition || name == names::kIfFirstFile || name == names::kIfLastFile;
+}
+
+/// The first index in steps of `step` from `from` at which `closes` outnumber `opens`, or `fault`.
+template <class Opens, class Closes>
+int FindMatch(const Script& list, int from, int step, Opens opens, Closes closes, int fault) {
+    int level = 0;
+    for (int i = from; i >= 0 && i < list.Count(); i += step) {
+        const std::string& name = list.NameAt(i);
+        if (opens(name)) ++level;
+        if (closes(name) && --level < 0) return i;
+    }
+    return fault;
+}
+
+auto Named(std::string_view wanted) {
+    return [wanted](std::string_view name) { return name == wanted; };
+}
+bool Never(std::string_view) { return false; }
+
+int FindDoEnd(const Script& list, int i) {
+    return FindMatch(list, i + 1, 1, Named(names::kDoWhile), Named(names::kDoEnd), kNoDoEnd);
+}
+int FindDoWhile(const Script& list, int i) {
+    return FindMatch(list, i - 1, -1, Named(names::kDoEnd), Named(names::kDoWhile), kNoDoWhile);
+}
+int FindIfEnd(const Script& list, int i) {
+    return FindMatch(list, i + 1, 1, IsIfStarter, Named(names::kIfEnd), kNoIfEnd);
+}
+/// Loops by number do not nest: each end belongs to the nearest start above it.
+int FindLoopEnd(const Script& list, int i) {
+    return FindMatch(list, i + 1, 1, Never, Named(names::kLoopEnd), kNoLoopEnd);
+}
+int FindLoopStart(const Script& list, int i) {
+    return FindMatch(list, i - 1, -1, Never, Named(names::kLoopStart), kNoLoopStart);
+}
+int FindSubroutineEnd(const Script& list, int i) {
+    return FindMatch(list, i + 1, 1, Never, Named(names::kSubroutineEnd), kNoSubroutineEnd);
+}
+
+/// The last command of an ELSE block that follows at once, else the IF_END itself.
+int EndOfElse(const Script& list, int i) {
+    if (i + 1 >= list.Count() || list.NameAt(i + 1) != names::kElseStart) return i;
+    return FindMatch(list, i + 1, 1, Never, Named(names::kElseEnd), kNoElseEnd);
+}
+
+/// The definition is searched downwards only; one that stands above its caller is not found, and
+/// the call falls through.
+int FindSubroutine(const Script& list, int i) {
+    const std::string wanted = script::ParseParams(list.ParamsAt(i)).Text(0);
+    for (int k = i + 1; k < list.Count(); ++k)
+        if (list.NameAt(k) == names::kSubroutineStart &&
+            script::ParseParams(list.ParamsAt(k)).Text(0) == wanted)
+            return k;
+    return i;
+}
+
+}  // namespace
+
+void BuildTables(const TableInput& input, std::span<std::int32_t> nextPc,
+                 std::span<std::int32_t> branchPc) {
+    std::ranges::fill(nextPc, 0);
+    std::ranges::fill(branchPc, 0);
+    const Script& list = input.commands;
+    for (int i = 0; i < list.Count(); ++i) {
+        const std::string& name = list.NameAt(i);
+        std::int32_t next = i + 1, branch = 0;
+        if (name == names::kStartImageLoop) {
+            branch = input.endIdx + 1;
+        } else if (name == names::kEndImageLoop) {
+            next = input.startIdx;
+        } else if (name == names::kDoWhile) {
+            branch = FindDoEnd(list, i) + 1;
+        } else if (name == names::kDoEnd) {
+            next = FindDoWhile(list, i);
+        } else if (name == names::kExit) {
+            // Behind the loop there is no next image: the run ends.
+            next = i < input.endIdx ? input.startIdx : list.Count();
+        } else if (IsIfStarter(name)) {
+            branch = FindIfEnd(list, i) + 1;
+        } else if (name == names::kIfEnd) {
+            next = EndOfElse(list, i) + 1;
+        } else if (name == names::kLoopStart) {
+            branch = FindLoopEnd(list, i);
+        } else if (name == names::kLoopEnd) {
+            next = FindLoopStart(list, i) + 1;
+        } else if (name == names::kSubroutineExecute) {
+            next = FindSubroutine(list, i) + 1;
+        } else if (name == names::kSubroutineStart) {
+            next = FindSubroutineEnd(list, i) + 1;
+        }
+        nextPc[static_cast<std::size_t>(i)] = next;
+        branchPc[static_cast<std::size_t>(i)] = branch;
+    }
+}
+
+}  // namespace lumo::engine

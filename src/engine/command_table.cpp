@@ -1,0 +1,112 @@
+#include "engine/command_table.h"
+
+#include <array>
+
+#include "script/names.h"
+
+namespace lumo::engine {
+namespace {
+
+namespace names = script::names;
+
+// The one list of all commands. A null row is the run loop's own (the two markers) or a command
+// that is still to come; it fails.
+constexpr std::array<CommandRow, 91> kCommands{{
+    {names::kAddBorder, nullptr},
+    {names::kAdjustContrastBrightness, nullptr},
+    {names::kAdjustColourHsl, nullptr},
+    {names::kAdjustColourRgb, nullptr},
+    {names::kAdjustHistogramLuminance, nullptr},
+    {names::kBatchLogComments, nullptr},
+    {names::kBlendImages, nullptr},
+    {names::kBlur, nullptr},
+    {names::kBlurMore, nullptr},
+    {names::kBlurGaussian, nullptr},
+    {names::kBlurOutward, nullptr},
+    {names::kBorderFindAndCrop, nullptr},
+    {names::kCanvasSize, nullptr},
+    {names::kColourCurveAdjust, nullptr},
+    {names::kConvertGreyscale, nullptr},
+    {names::kConvertBwDither, nullptr},
+    {names::kConvertBwThreshold, nullptr},
+    {names::kConvertOneColourTone, nullptr},
+    {names::kConvertSepiaTone, nullptr},
+    {names::kCopyMove, nullptr},
+    {names::kCounter, nullptr},
+    {names::kCountColours, nullptr},
+    {names::kCrop, nullptr},
+    {names::kCustomFilter, nullptr},
+    {names::kDeleteInputFile, nullptr},
+    {names::kDespeckle, nullptr},
+    {names::kDoWhile, nullptr},
+    {names::kDoEnd, nullptr},
+    {names::kDropShadow, nullptr},
+    {names::kDustRemove, nullptr},
+    {names::kMosaic, nullptr},
+    {names::kElseStart, nullptr},
+    {names::kElseEnd, nullptr},
+    {names::kEmboss, nullptr},
+    {names::kEndImageLoop, nullptr},
+    {names::kExit, nullptr},
+    {names::kFlipHorizontal, nullptr},
+    {names::kFlipVertical, nullptr},
+    {names::kFrameOverlay, nullptr},
+    {names::kGammaAdjust, nullptr},
+    {names::kGrid, nullptr},
+    {names::kHighlightMidtoneShadow, nullptr},
+    {names::kHistogramEqualize, nullptr},
+    {names::kHistogramStretch, nullptr},
+    {names::kHorizontalPerspective, nullptr},
+    {names::kIfCondition, nullptr},
+    {names::kIfFirstFile, nullptr},
+    {names::kIfLastFile, nullptr},
+    {names::kIfEnd, nullptr},
+    {names::kInputTemporary, nullptr},
+    {names::kInputFixedImage, nullptr},
+    {names::kJpgFileHeader, nullptr},
+    {names::kLoopStart, nullptr},
+    {names::kLoopEnd, nullptr},
+    {names::kMaskOverlay, nullptr},
+    {names::kMaximumFilter, nullptr},
+    {names::kMedianCut, nullptr},
+    {names::kMedianFilter, nullptr},
+    {names::kMinimumFilter, nullptr},
+    {names::kNegative, nullptr},
+    {names::kNewCanvas, nullptr},
+    {names::kNoiseAdd, nullptr},
+    {names::kOutputSetup, nullptr},
+    {names::kOutputTemporary, nullptr},
+    {names::kReloadImageFile, nullptr},
+    {names::kReplaceColour, nullptr},
+    {names::kRotate90, nullptr},
+    {names::kRotateSpecify, nullptr},
+    {names::kScale, nullptr},
+    {names::kScriptInfo, nullptr},
+    {names::kSharpen, nullptr},
+    {names::kShiftImage, nullptr},
+    {names::kSizeAndCrop, nullptr},
+    {names::kSkew, nullptr},
+    {names::kSolarize, nullptr},
+    {names::kStartImageLoop, nullptr},
+    {names::kSubroutineExecute, nullptr},
+    {names::kSubroutineStart, nullptr},
+    {names::kSubroutineEnd, nullptr},
+    {names::kSwapRedBlue, nullptr},
+    {names::kSwapRedGreen, nullptr},
+    {names::kSwapGreenBlue, nullptr},
+    {names::kTextOverlay, nullptr},
+    {names::kTextOverlayAbsolute, nullptr},
+    {names::kTileGrid, nullptr},
+    {names::kTileImage, nullptr},
+    {names::kTileOverAbsolute, nullptr},
+    {names::kUnsharpMask, nullptr},
+    {names::kVerticalPerspective, nullptr},
+    {names::kWatermark, nullptr},
+    {names::kWriterPreferences, nullptr},
+}};
+
+}  // namespace
+
+std::span<const CommandRow> CommandTable() { return kCommands; }
+
+}  // namespace lumo::engine

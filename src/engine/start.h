@@ -1,0 +1,21 @@
+#pragma once
+
+// From nothing to a view that can work: settings, folders, the Script named on the command line.
+
+#include <string>
+
+#include "engine/view.h"
+
+namespace lumo::engine {
+
+enum class SettingsFile { ReadAndWrite, ReadOnly };
+
+/// Loads the settings (on a first start makes the folder tree and saves them, unless read-only),
+/// applies the memory limits, seeds the random generator and makes a new Script.
+void StartView(CLumoscriptView& view, SettingsFile settingsFile);
+
+/// Opens a Script file in place of the present one and gives it its two markers. False: the words
+/// have been shown and the present Script stands.
+bool OpenScript(CLumoscriptView& view, const std::string& path);
+
+}  // namespace lumo::engine
