@@ -86,6 +86,7 @@ struct RunState {
     std::vector<std::string> inputList;
     int imageIndex = -1;
     int imageCount = 0;
+    bool imageLoopOver = false;       // the input list is used up
     int firstScanCount = 0;           // "Total input images: "
     int statFiles = 0, statOutputs = 0, errorCount = 0, statInputs = 0, warningCount = 0;
     int failureReports = 0;           // calls of OnCommandFailure; counts for the exit status only
