@@ -40,14 +40,4 @@ void ReportFatal(CLumoscriptView& view, int code) {
     if (view.run.noPrompts) view.ui.Notice(text);
 }
 
-void UpdateProgress(CLumoscriptView& view) {
-    const RunState& run = view.run;
-    const int percent =
-        run.imageCount > 0
-            ? static_cast<int>(static_cast<long long>(run.imageIndex) * 100 / run.imageCount)
-            : 0;
-    view.ui.SetTitle(std::to_string(percent) + "% Done");
-    view.ui.ShowCounts({run.statFiles, run.statInputs, run.statOutputs, run.errorCount});
-}
-
 }  // namespace lumo::engine

@@ -21,7 +21,4 @@ void ReportCommandFailure(CLumoscriptView& view);
 std::string FatalText(int code);
 void ReportFatal(CLumoscriptView& view, int code);
 
-/// Done in percent in the window's title, and the counts.
-void UpdateProgress(CLumoscriptView& view);
-
 }  // namespace lumo::engine
