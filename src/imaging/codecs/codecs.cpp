@@ -1,5 +1,3 @@
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <array>
 #include <exception>
@@ -40,18 +38,6 @@ Decoder DecoderOf(Format format) {
 }
 
 }  // namespace
-
-std::string RefuseSize(std::int64_t width, std::int64_t height, std::int64_t bytesPerPixel,
-                       const DecodeLimits& limits) {
-    if (width < 1 || height < 1) return fmt::format("the file states a size of {} x {}", width, height);
-    if (width > limits.maxSide || height > limits.maxSide ||
-        static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height) > limits.maxPixels)
-        return fmt::format("a picture of {} x {} is larger than allowed", width, height);
-    const auto area = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
-    if (bytesPerPixel > 0 && area > limits.maxMemory / static_cast<std::uint64_t>(bytesPerPixel))
-        return fmt::format("a picture of {} x {} needs more memory than allowed", width, height);
-    return {};
-}
 
 Format FormatOfContent(ByteView file) {
     using namespace std::string_view_literals;
