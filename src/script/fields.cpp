@@ -27,6 +27,9 @@ std::string TakeField(std::string_view& text) {
             field += c;
         }
     }
+    // Every field is followed by a comma, so the last one of the string stands outside of a quote
+    // that nobody closed.
+    if (quoted && field.ends_with(',') && text.back() == ',') field.pop_back();
     text.remove_prefix(i);
     return field;
 }

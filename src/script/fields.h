@@ -33,12 +33,14 @@ class Fields {
 };
 
 /// Reads a parameter string. The count obeyed is the one that the string states. Quotes switch the
-/// quoted state and are dropped, so that commas inside are text. Never fails: what is missing or
-/// malformed reads as empty.
+/// quoted state and are dropped, so that commas inside are text; a quote that is never closed ends
+/// before the last comma. Never fails: what is missing or malformed reads as empty.
 Fields ParseParams(std::string_view text);
 
 /// `i` counted from 0 at the first field behind the count.
-inline const std::string& GetField(const Fields& fields, int i) { return fields.Text(i); }
+inline const std::string& GetField(const Fields& fields, int i) {
+    return fields.Text(i);
+}
 
 enum class CarriageReturns { Keep, Strip };
 
