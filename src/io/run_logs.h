@@ -70,8 +70,8 @@ void LogFatalRefusal(CLumoscriptView& view, std::string_view text);
 /// The user's abort; both logs are saved.
 void LogAbort(CLumoscriptView& view);
 /// Closing lines, then both logs are saved and forgotten.
-void CloseLogs(CLumoscriptView& view, std::chrono::system_clock::time_point now =
-                                          std::chrono::system_clock::now());
+void CloseLogs(CLumoscriptView& view,
+               std::chrono::system_clock::time_point now = std::chrono::system_clock::now());
 
 /// Replaces Batch.log or Error.log with the lines so far. A log that cannot be written is passed
 /// over in silence.

@@ -1,0 +1,38 @@
+#pragma once
+
+// Image lists (.lst): text files that name the files and folders of a batch.
+//
+//   START
+//   ; a comment
+//   /photos/cat.jpg
+//   /photos/new/ (include subfolders)
+//   END
+//
+// Lines end with CR LF; a file whose first line ends with LF alone is read with that line end.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/view.h"
+
+namespace lumo::io {
+
+/// One line of a list that is no comment.
+struct ListEntry {
+    std::string path;        // as stated, without marker and trailing blanks
+    bool isFolder = false;   // ends in a separator
+    bool recursive = false;  // " (include subfolders)" stood behind it
+    friend bool operator==(const ListEntry&, const ListEntry&) = default;
+};
+
+/// The entries of a list file up to its line "END" or the end of the text; false if the text does
+/// not begin with the line "START".
+bool ParseImageList(std::string_view text, std::vector<ListEntry>& entries);
+
+/// Fills the input list from a file: single files as they are, folders through ScanFolder with the
+/// file types of the START command. 1, also for a file that cannot be read, which leaves an empty
+/// list; 0, after a message, for a file that is no list.
+int ReadListFile(engine::CLumoscriptView& view, const std::string& path);
+
+}  // namespace lumo::io
