@@ -60,7 +60,10 @@ int ReadListFile(engine::CLumoscriptView& view, const std::string& path) {
         return 0;
     }
     for (const ListEntry& entry : entries) {
-        const std::string native = NativePath(view, entry.path);
+        std::string_view stated = entry.path;
+        // Behind a folder the separator is the list's own, whichever it is.
+        if (entry.isFolder && stated.size() > 1) stated.remove_suffix(1);
+        const std::string native = NativePath(view, stated);
         if (entry.isFolder)
             ScanFolder(view, native, entry.recursive);
         else

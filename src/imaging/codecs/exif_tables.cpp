@@ -1,0 +1,142 @@
+#include "imaging/codecs/exif_tables.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <exception>
+#include <exiv2/exiv2.hpp>
+#include <optional>
+#include <sstream>
+#include <string_view>
+
+#include "imaging/codecs/stored_metadata.h"
+#include "platform/paths.h"
+
+namespace lumo::imaging::codecs {
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr std::array kGroups{"Image"sv, "Photo"sv, "Iop"sv, "Thumbnail"sv, "GPSInfo"sv};
+static_assert(kGroups.size() == kExifTableCount);
+constexpr std::string_view kExifPrefix = "Exif\0\0"sv;
+constexpr std::uint16_t kMaker = 0x10F;
+constexpr std::uint16_t kFirstUtf16Tag = 0x9C9B, kLastUtf16Tag = 0x9C9F;
+constexpr std::size_t kMaxValueBytes = 200;
+
+/// Damaged blocks make the library talk on standard error.
+void SilenceLibrary() {
+    static const bool done = [] {
+        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+        return true;
+    }();
+    static_cast<void>(done);
+}
+
+std::optional<ByteView> ExifBlock(ByteView file, Bytes& storage) {
+    if (file.size() > 0xFFFFFFFFU) return std::nullopt;
+    if (FormatOfContent(file) == Format::Tiff) return file;
+    for (auto& [code, payload] : ReadJpegMarkers(file)) {
+        if (code != kApp1 || payload.size() <= kExifPrefix.size()) continue;
+        if (!std::equal(kExifPrefix.begin(), kExifPrefix.end(), payload.begin())) continue;
+        storage = std::move(payload);
+        return ByteView(storage).subspan(kExifPrefix.size());
+    }
+    return std::nullopt;
+}
+
+void AppendUtf8(std::string& text, std::uint32_t code) {
+    const auto add = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
+    if (code < 0x80) {
+        add(code);
+    } else if (code < 0x800) {
+        add(0xC0U | code >> 6);
+        add(0x80U | (code & 0x3FU));
+    } else if (code < 0x10000) {
+        add(0xE0U | code >> 12);
+        add(0x80U | (code >> 6 & 0x3FU));
+        add(0x80U | (code & 0x3FU));
+    } else {
+        add(0xF0U | code >> 18);
+        add(0x80U | (code >> 12 & 0x3FU));
+        add(0x80U | (code >> 6 & 0x3FU));
+        add(0x80U | (code & 0x3FU));
+    }
+}
+
+/// The property texts of the desktop are UTF-16, low byte first, in a tag of bytes.
+std::string TextOfUtf16(const Exiv2::Value& value) {
+    const auto unit = [&](long i) {
+        return static_cast<std::uint32_t>(value.toLong(i) & 0xFF) |
+               static_cast<std::uint32_t>(value.toLong(i + 1) & 0xFF) << 8;
+    };
+    std::string text;
+    for (long i = 0; i + 1 < value.count() && text.size() <= kMaxValueBytes; i += 2) {
+        std::uint32_t code = unit(i);
+        if (code >= 0xD800 && code < 0xDC00 && i + 3 < value.count()) {
+            const std::uint32_t low = unit(i + 2);
+            if (low >= 0xDC00 && low < 0xE000) {
+                code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
+                i += 2;
+            }
+        }
+        if (code >= 0xD800 && code < 0xE000) code = 0xFFFD;  // half of a pair
+        AppendUtf8(text, code);
+    }
+    return text;
+}
+
+std::string ValueText(const Exiv2::Exifdatum& tag, const Exiv2::ExifData& all) {
+    std::string text;
+    if (tag.tag() >= kFirstUtf16Tag && tag.tag() <= kLastUtf16Tag) {
+        text = TextOfUtf16(tag.value());
+    } else if (tag.size() > 16 * static_cast<long>(kMaxValueBytes)) {
+        text = fmt::format("({} bytes)", tag.size());  // tables of strips, blocks of a maker
+    } else {
+        std::ostringstream stream;
+        tag.write(stream, &all);
+        text = stream.str();
+    }
+    while (!text.empty() && (text.back() == '\0' || text.back() == ' ')) text.pop_back();
+    if (text.size() > kMaxValueBytes) {
+        std::size_t end = kMaxValueBytes;
+        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;
+        text.resize(end);
+        text += "...";
+    }
+    return platform::Printable(text);
+}
+
+std::string LineOf(const Exiv2::Exifdatum& tag, const Exiv2::ExifData& all) {
+    const std::string number = fmt::format("{:#x}", tag.tag());
+    const std::string name = tag.tagName();
+    const bool named = !name.starts_with("0x");
+    return fmt::format("{}{}{}: {}\n", number, named ? " " : "", named ? name : "",
+                       ValueText(tag, all));
+}
+
+}  // namespace
+
+ExifTables ReadExifTables(ByteView file, int count) {
+    ExifTables tables;
+    Bytes storage;
+    const auto block = ExifBlock(file, storage);
+    if (!block) return tables;
+    SilenceLibrary();
+    try {
+        Exiv2::ExifData data;
+        Exiv2::ExifParser::decode(data, block->data(), static_cast<std::uint32_t>(block->size()));
+        for (const Exiv2::Exifdatum& tag : data) {
+            const auto group = std::find(kGroups.begin(), kGroups.end(), tag.groupName());
+            const auto table = static_cast<std::size_t>(group - kGroups.begin());
+            if (group == kGroups.end() || static_cast<int>(table) >= count) continue;
+            tables.texts[table] += LineOf(tag, data);
+            if (tag.tag() == kMaker) tables.namesMaker = true;
+        }
+    } catch (const std::exception&) {
+        return {};  // a damaged block is as good as none
+    }
+    return tables;
+}
+
+}  // namespace lumo::imaging::codecs

@@ -1,0 +1,27 @@
+#pragma once
+
+// What the camera noted in a picture file, as texts.
+
+#include <array>
+#include <string>
+
+#include "imaging/codecs/codec.h"
+
+namespace lumo::imaging::codecs {
+
+/// The tables of an EXIF block, in their order: main, EXIF, interoperability, thumbnail, GPS.
+inline constexpr int kExifTableCount = 5;
+
+struct ExifTables {
+    /// One line for each tag, as "0x10f Make: Canon"; empty for a table without tags. Values are
+    /// UTF-8 without control characters; long ones are cut and end in "...".
+    std::array<std::string, kExifTableCount> texts;
+    /// One of the tables holds the maker of the camera (tag 0x10f).
+    bool namesMaker = false;
+};
+
+/// Reads the first `count` tables of the EXIF block of a JPG, or of a TIF. All empty for other
+/// files and for damaged blocks.
+ExifTables ReadExifTables(ByteView file, int count);
+
+}  // namespace lumo::imaging::codecs
