@@ -23,7 +23,7 @@ struct Verdict {
 };
 
 /// Runs a check over a list of three sections with their markers between.
-Verdict Run(Check check, const Names& pre, const Names& image, const Names& post) {
+Verdict Examine(Check check, const Names& pre, const Names& image, const Names& post) {
     script::Script list;
     for (const auto name : pre) list.Add(name, "0");
     const int start = list.Count();
@@ -89,7 +89,7 @@ std::vector<Words> AllWords() {
 TEST(BlockChecks, PairsInEachSectionPass) {
     for (const Words& w : AllWords()) {
         const Names pair{w.starter, w.ender};
-        const Verdict verdict = Run(w.check, pair, pair, pair);
+        const Verdict verdict = Examine(w.check, pair, pair, pair);
         EXPECT_TRUE(verdict.ok) << w.starter;
         EXPECT_THAT(verdict.lines, IsEmpty());
     }
@@ -98,25 +98,25 @@ TEST(BlockChecks, PairsInEachSectionPass) {
 TEST(BlockChecks, ReversedPairsAreOrderingFaultsOnly) {
     for (const Words& w : AllWords()) {
         const Names reversed{w.ender, w.starter};
-        EXPECT_THAT(Run(w.check, reversed, {}, {}).lines, ElementsAre(w.order[0]));
-        EXPECT_THAT(Run(w.check, {}, reversed, {}).lines, ElementsAre(w.order[1]));
-        EXPECT_THAT(Run(w.check, {}, {}, reversed).lines, ElementsAre(w.order[2]));
-        EXPECT_FALSE(Run(w.check, {}, {}, reversed).ok);
+        EXPECT_THAT(Examine(w.check, reversed, {}, {}).lines, ElementsAre(w.order[0]));
+        EXPECT_THAT(Examine(w.check, {}, reversed, {}).lines, ElementsAre(w.order[1]));
+        EXPECT_THAT(Examine(w.check, {}, {}, reversed).lines, ElementsAre(w.order[2]));
+        EXPECT_FALSE(Examine(w.check, {}, {}, reversed).ok);
     }
 }
 
 TEST(BlockChecks, UnclosedBlocksAreCountFaults) {
     for (const Words& w : AllWords()) {
         const Names open{w.starter};
-        EXPECT_THAT(Run(w.check, open, {}, {}).lines, ElementsAre(w.count[0]));
-        EXPECT_THAT(Run(w.check, {}, open, {}).lines, ElementsAre(w.count[1]));
-        EXPECT_THAT(Run(w.check, {}, {}, open).lines, ElementsAre(w.count[2]));
-        EXPECT_FALSE(Run(w.check, {}, {}, open).ok);
+        EXPECT_THAT(Examine(w.check, open, {}, {}).lines, ElementsAre(w.count[0]));
+        EXPECT_THAT(Examine(w.check, {}, open, {}).lines, ElementsAre(w.count[1]));
+        EXPECT_THAT(Examine(w.check, {}, {}, open).lines, ElementsAre(w.count[2]));
+        EXPECT_FALSE(Examine(w.check, {}, {}, open).ok);
     }
 }
 
 TEST(BlockChecks, ABlockAcrossTheStartMarkerFailsInBothSections) {
-    const Verdict verdict = Run(CheckLoops, {names::kLoopStart}, {names::kLoopEnd}, {});
+    const Verdict verdict = Examine(CheckLoops, {names::kLoopStart}, {names::kLoopEnd}, {});
     EXPECT_FALSE(verdict.ok);
     EXPECT_THAT(verdict.lines,
                 ElementsAre("Preprocessing error: Loop Start - Loop End count mismatch pre-Image loop",
@@ -125,13 +125,13 @@ TEST(BlockChecks, ABlockAcrossTheStartMarkerFailsInBothSections) {
 }
 
 TEST(BlockChecks, FileConditionsBelongToTheImageLoop) {
-    EXPECT_TRUE(Run(CheckIf, {}, {names::kIfFirstFile, names::kIfEnd}, {}).ok);
-    EXPECT_TRUE(Run(CheckIf, {}, {names::kIfLastFile, names::kIfEnd}, {}).ok);
+    EXPECT_TRUE(Examine(CheckIf, {}, {names::kIfFirstFile, names::kIfEnd}, {}).ok);
+    EXPECT_TRUE(Examine(CheckIf, {}, {names::kIfLastFile, names::kIfEnd}, {}).ok);
     for (const auto name : {names::kIfFirstFile, names::kIfLastFile}) {
-        const Verdict before = Run(CheckIf, {name}, {}, {});
+        const Verdict before = Examine(CheckIf, {name}, {}, {});
         EXPECT_FALSE(before.ok);
         EXPECT_THAT(before.lines, IsEmpty());
-        const Verdict behind = Run(CheckIf, {}, {}, {name});
+        const Verdict behind = Examine(CheckIf, {}, {}, {name});
         EXPECT_FALSE(behind.ok);
         EXPECT_THAT(behind.lines, IsEmpty());
     }
@@ -140,22 +140,22 @@ TEST(BlockChecks, FileConditionsBelongToTheImageLoop) {
 TEST(BlockChecks, ElseStandsDirectlyBehindIfEnd) {
     const Names good{names::kIfCondition, names::kIfEnd, names::kElseStart, names::kElseEnd};
     const Names late{names::kIfCondition, names::kIfEnd, "Blur", names::kElseStart, names::kElseEnd};
-    EXPECT_TRUE(Run(CheckElse, good, good, good).ok);
-    const Verdict pre = Run(CheckElse, late, {}, {});
+    EXPECT_TRUE(Examine(CheckElse, good, good, good).ok);
+    const Verdict pre = Examine(CheckElse, late, {}, {});
     EXPECT_FALSE(pre.ok);
     EXPECT_THAT(pre.lines,
                 ElementsAre(
                     "Preprocessing error: ELSE_START not preceded by IF_END in pre-Image loop"));
-    const Verdict image = Run(CheckElse, {}, late, {});
+    const Verdict image = Examine(CheckElse, {}, late, {});
     EXPECT_FALSE(image.ok);
     EXPECT_THAT(image.lines, IsEmpty());
-    EXPECT_TRUE(Run(CheckElse, {}, {}, late).ok);
+    EXPECT_TRUE(Examine(CheckElse, {}, {}, late).ok);
 }
 
 TEST(BlockChecks, ElseWords) {
     const Names reversed{names::kIfEnd, names::kElseStart, names::kElseEnd, names::kElseEnd};
     EXPECT_THAT(
-        Run(CheckElse, reversed, reversed, reversed).lines,
+        Examine(CheckElse, reversed, reversed, reversed).lines,
         ElementsAre("Preprocessing error: ELSE_END before ELSE_START in pre-Image loop",
                     "Preprocessing error: ELSE_START  ELSE_END count mismatch in pre-Image loop",
                     "Preprocessing error: ELSE_END before ELSE_START in Image loop",

@@ -126,7 +126,7 @@ TEST_F(DispatchTest, WithoutAPictureTheCommandFailsAndTheLogsSaySo) {
 }
 
 TEST_F(DispatchTest, AFailureIsAMessageOutsideOfARun) {
-    imaging::Image::TryCreate({0, 0});  // leaves its reason
+    ASSERT_FALSE(imaging::Image::TryCreate({0, 0}));  // leaves its reason
     OnCommandFailure(runner.view, "Cmd_37 Flip Horz L2906: ", LibraryError::Append);
     EXPECT_THAT(runner.messages,
                 ElementsAre("Cmd_37 Flip Horz L2906:   IS_error a picture needs a positive width "
