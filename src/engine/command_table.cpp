@@ -3,6 +3,10 @@
 #include <array>
 
 #include "engine/flow/flow_commands.h"
+#include "io/batch_log_comments.h"
+#include "io/output_setup.h"
+#include "io/start_setup.h"
+#include "io/writer_preferences.h"
 #include "script/names.h"
 
 namespace lumo::engine {
@@ -18,7 +22,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kAdjustColourHsl, nullptr},
     {names::kAdjustColourRgb, nullptr},
     {names::kAdjustHistogramLuminance, nullptr},
-    {names::kBatchLogComments, nullptr},
+    {names::kBatchLogComments, &io::kBatchLogCommentsCommand},
     {names::kBlendImages, nullptr},
     {names::kBlur, nullptr},
     {names::kBlurMore, nullptr},
@@ -75,7 +79,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kNegative, nullptr},
     {names::kNewCanvas, nullptr},
     {names::kNoiseAdd, nullptr},
-    {names::kOutputSetup, nullptr},
+    {names::kOutputSetup, &io::kOutputSetupCommand},
     {names::kOutputTemporary, nullptr},
     {names::kReloadImageFile, nullptr},
     {names::kReplaceColour, nullptr},
@@ -88,7 +92,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kSizeAndCrop, nullptr},
     {names::kSkew, nullptr},
     {names::kSolarize, nullptr},
-    {names::kStartImageLoop, nullptr},
+    {names::kStartImageLoop, &io::kStartCommand},
     {names::kSubroutineExecute, &flow::kSubroutineExecuteCommand},
     {names::kSubroutineStart, &flow::kSubroutineStartCommand},
     {names::kSubroutineEnd, &flow::kSubroutineEndCommand},
@@ -103,7 +107,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kUnsharpMask, nullptr},
     {names::kVerticalPerspective, nullptr},
     {names::kWatermark, nullptr},
-    {names::kWriterPreferences, nullptr},
+    {names::kWriterPreferences, &io::kWriterPreferencesCommand},
 }};
 
 }  // namespace
