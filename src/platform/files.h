@@ -41,7 +41,8 @@ enum class Durability {
 
 /// A file that is written beside its target under a temporary name and renamed over it by Commit;
 /// without Commit nothing is left. The temporary is opened exclusively and never through a link;
-/// its name is one that a folder scan never enlists. An existing target keeps its mode.
+/// its name is one that a folder scan never enlists. An existing target keeps its mode; one that
+/// the user may not write, a folder and a device are refused; a link is replaced, not followed.
 class AtomicFile {
   public:
     AtomicFile() = default;
@@ -51,6 +52,7 @@ class AtomicFile {
 
     /// Fails at once where the folder does not exist or cannot be written.
     static Result<AtomicFile> Create(const std::string& target);
+    /// After a failure the temporary is gone, and so is the chance to commit.
     Status Write(std::span<const std::uint8_t> bytes);
     Status Commit(Durability durability);
 

@@ -1,7 +1,8 @@
 #pragma once
 
 // Paths as texts. Scripts, lists and settings may use "\" or "/"; files on disk have native paths.
-// A path that the file system delivered is never translated.
+// A path that the file system delivered is never translated. Where a function here looks for the
+// last separator, a path with a "/" in it counts as native, its "\" as part of a name.
 
 #include <string>
 #include <string_view>
