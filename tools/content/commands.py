@@ -45,10 +45,7 @@ def end():
 
 
 def output(folder, extension="jpg", suffix="", prefix="", input_name=True):
-    """A folder below "out" in the working directory; a second run replaces the files of the first.
-
-    The leading dot matters: folders are made from the second part of a path on.
-    """
+    """A folder below "out" in the working directory; a second run replaces the files of the first."""
     return command("Output setup", "0", quoted(".\\out\\" + folder), "0", extension, "1",
                    "0" if input_name else "3", quoted(suffix), quoted(prefix), "0", "0", "1")
 
