@@ -1,13 +1,16 @@
-// The shipped Scripts, Subroutines and Image lists, read by a plain reader of the test's own: form,
-// fields, and that each runs unattended with what the installation brings along.
+// The shipped Scripts, Subroutines and Image lists: their form to the byte, the fields of each
+// command, and that each Script runs unattended with what the installation brings along.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <map>
 #include <optional>
 
+#include "engine/block_checks.h"
+#include "script/catalogue.h"
+#include "script/script_file.h"
+#include "script/script_format.h"
 #include "support/content_files.h"
 
 namespace lumo::test {
@@ -17,65 +20,13 @@ namespace fs = std::filesystem;
 using Strings = std::vector<std::string>;
 using testing::StartsWith;
 
-// Every command that the shipped Scripts use, with the count of fields its stored string begins
-// with.
-const std::map<std::string, std::size_t, std::less<>> kFieldCounts{
-    {"Add border", 8},
-    {"Adjust: contrast-brightness", 2},
-    {"Batch Log comments", 5},
-    {"Blend images", 6},
-    {"Canvas size", 7},
-    {"Color curve adjust", 18},
-    {"Convert: Grayscale - 8bit", 0},
-    {"Convert: sepia tone", 0},
-    {"Counter (reset or increment)", 3},
-    {"Drop Shadow effect", 8},
-    {"ELSE_END", 0},
-    {"ELSE_START", 0},
-    {"END image loop", 0},
-    {"Exit (get next image)", 0},
-    {"Frame overlay", 6},
-    {"Gamma adjust", 1},
-    {"IF_END", 0},
-    {"IF_START (condition)", 5},
-    {"Input (temporary)", 2},
-    {"Mask overlay: single color", 6},
-    {"New (canvas)", 6},
-    {"Noise (add)", 3},
-    {"Output (temporary)", 2},
-    {"Output setup", 11},
-    {"Reload image file", 0},
-    {"Rotate (90 - 180 - 270)", 1},
-    {"Scale: change image size", 6},
-    {"Script info", 7},
-    {"Size and crop (absolute)", 3},
-    {"START image loop (setup)", 32},
-    {"SUBROUTINE Execute", 1},
-    {"Text overlay", 21},
-    {"Text overlay (absolute)", 18},
-    {"Tile over absolute", 7},
-    {"Unsharp mask", 4},
-    {"Watermark - overlay image", 12},
-};
-
 struct Command {
     std::string name;
     Strings fields;
 };
 
-// Lines of a file in which every line ends in CR LF and no CR or LF stands elsewhere.
-std::optional<Strings> CrLfLines(const std::string& bytes) {
-    Strings lines;
-    for (std::size_t at = 0; at < bytes.size();) {
-        const std::size_t end = bytes.find_first_of("\r\n", at);
-        if (end == std::string::npos || bytes.compare(end, 2, "\r\n") != 0) return std::nullopt;
-        lines.push_back(bytes.substr(at, end - at));
-        at = end + 2;
-    }
-    return lines;
-}
-
-// The fields behind the count; empty if the string is not exactly "count,field,...,field,".
+// The fields behind the count; none if the string is not exactly "count,field,...,field,". The
+// program reads much looser forms; what is shipped keeps to the strict one.
 std::optional<Strings> SplitFields(std::string_view text) {
     if (text == "0") return Strings{};
     Strings parts(1);
@@ -93,38 +44,42 @@ std::optional<Strings> SplitFields(std::string_view text) {
     return Strings(parts.begin() + 1, parts.end() - 1);
 }
 
-std::vector<Command> ReadCommands(const fs::path& path, std::string_view firstLine) {
+// Fields of a command's stored string: as its default has them, which may be one more than it
+// reads.
+std::size_t StoredFieldCount(const script::CatalogueRow& row) {
+    if (!row.factory.empty())
+        return static_cast<std::size_t>(std::atoi(std::string(row.factory).c_str()));
+    return static_cast<std::size_t>(std::max(0, row.fieldCount));
+}
+
+script::Script ParseShipped(const fs::path& path) {
     const std::string bytes = FileBytes(path);
     EXPECT_TRUE(std::ranges::all_of(bytes, [](char c) {
         return c == '\r' || c == '\n' || (c >= ' ' && c <= '~');
     })) << path;
-    const auto lines = CrLfLines(bytes);
-    if (!lines || lines->size() < 5 || lines->size() % 2 == 0) {
-        ADD_FAILURE() << path << ": lines";
-        return {};
-    }
-    EXPECT_EQ((*lines)[0], firstLine) << path;
-    EXPECT_EQ((*lines)[1], "; ; = Comment. Do not edit. This is a script.") << path;
-    EXPECT_EQ((*lines)[2], "; File must have no format characters.") << path;
-    EXPECT_EQ((*lines)[lines->size() - 2], "END") << path;
-    EXPECT_EQ(lines->back(), "; Do not edit - Lumoscript script.whs") << path;
+    const auto parsed = script::ParseScriptBytes(bytes);
+    EXPECT_TRUE(parsed.Complete()) << path;
+    EXPECT_EQ(parsed.kind, script::FileKindOf(path.string())) << path;
+    EXPECT_EQ(script::SerializeScript(parsed.script, parsed.kind), bytes)
+        << path << " is not as the program would save it";
+    return parsed.script;
+}
+
+std::vector<Command> ReadScript(const fs::path& path) {
+    const script::Script shipped = ParseShipped(path);
     std::vector<Command> commands;
-    for (std::size_t i = 3; i + 2 < lines->size(); i += 2) {
-        const std::string &name = (*lines)[i], &parameters = (*lines)[i + 1];
-        const auto count = kFieldCounts.find(name);
+    for (std::size_t i = 0; i < shipped.names.size(); ++i) {
+        const std::string &name = shipped.names[i], &parameters = shipped.params[i];
+        const auto* row = script::FindByName(name);
         const auto fields = SplitFields(parameters);
-        EXPECT_NE(count, kFieldCounts.end()) << path << ": unknown command \"" << name << '"';
+        EXPECT_NE(row, nullptr) << path << ": unknown command \"" << name << '"';
         EXPECT_TRUE(fields) << path << ": " << name << ": " << parameters;
-        if (count != kFieldCounts.end() && fields) {
-            EXPECT_EQ(fields->size(), count->second) << path << ": " << name;
+        if (row && fields) {
+            EXPECT_EQ(fields->size(), StoredFieldCount(*row)) << path << ": " << name;
         }
         commands.push_back({name, fields.value_or(Strings{})});
     }
     return commands;
-}
-
-std::vector<Command> ReadScript(const fs::path& path) {
-    return ReadCommands(path, path.extension() == ".sbr" ? "SUBRT" : "BEGIN");
 }
 
 std::vector<fs::path> AllScripts() {
@@ -203,26 +158,23 @@ TEST(ContentScripts, UseShippedPicturesAndSubroutinesThatExist) {
     EXPECT_GE(calls, 2);
 }
 
-// Section by section, as a run checks them: enders never outnumber starters, and an ELSE follows
-// directly behind an IF_END.
+// As a run prepares them: what is called stands behind the Script, and all blocks are in order.
 TEST(ContentScripts, CloseTheirBlocks) {
-    for (const auto& path : AllScripts()) {
-        int ifs = 0, elses = 0;
-        std::string before;
-        for (const auto& command : ReadScript(path)) {
-            const std::string& name = command.name;
-            if (name == "START image loop (setup)" || name == "END image loop") {
-                EXPECT_TRUE(ifs == 0 && elses == 0) << path << ": a block over " << name;
-            }
-            ifs += name.starts_with("IF_START") ? 1 : name == "IF_END" ? -1 : 0;
-            elses += name == "ELSE_START" ? 1 : name == "ELSE_END" ? -1 : 0;
-            EXPECT_TRUE(ifs >= 0 && elses >= 0) << path << ": " << name;
-            if (name == "ELSE_START") {
-                EXPECT_EQ(before, "IF_END") << path;
-            }
-            before = name;
-        }
-        EXPECT_TRUE(ifs == 0 && elses == 0) << path;
+    for (const auto& path : ShippedFiles("Scripts", ".whs")) {
+        script::Script commands = ParseShipped(path);
+        for (const auto& subroutine : ShippedFiles("Subroutines", ".sbr"))
+            ASSERT_EQ(script::AppendSubroutineBytes(commands, FileBytes(subroutine),
+                                                    subroutine.stem().string()),
+                      script::ReadOutcome::Complete)
+                << subroutine;
+        const engine::RunList list{commands, commands.Find("START image loop (setup)"),
+                                   commands.Find("END image loop")};
+        const auto fault = [&](std::string_view line) { ADD_FAILURE() << path << ": " << line; };
+        EXPECT_TRUE(engine::CheckLoops(list, fault)) << path;
+        EXPECT_TRUE(engine::CheckDoWhile(list, fault)) << path;
+        EXPECT_TRUE(engine::CheckIf(list, fault)) << path;
+        EXPECT_TRUE(engine::CheckElse(list, fault)) << path;
+        EXPECT_TRUE(engine::CheckSubroutines(list, fault)) << path;
     }
 }
 
@@ -249,22 +201,26 @@ TEST(ContentLists, NameShippedPhotographs) {
     const auto lists = ShippedFiles("Lists", ".lst");
     ASSERT_GE(lists.size(), 1u);
     for (const auto& path : lists) {
-        const auto lines = CrLfLines(FileBytes(path));
-        ASSERT_TRUE(lines && lines->size() >= 3) << path;
-        EXPECT_EQ(lines->front(), "START") << path;
-        EXPECT_EQ(lines->back(), "END") << path;
-        for (std::size_t i = 1; i + 1 < lines->size(); ++i) {
-            std::string entry = (*lines)[i];
+        const std::string bytes = FileBytes(path);
+        EXPECT_TRUE(bytes.ends_with("\r\nEND\r\n")) << path;
+        EXPECT_EQ(std::ranges::count(bytes, '\r'), std::ranges::count(bytes, '\n')) << path;
+        ASSERT_TRUE(bytes.starts_with("START\r\n")) << path;
+        int entries = 0;
+        for (std::size_t at = 7; at < bytes.size();) {
+            const std::size_t end = bytes.find("\r\n", at);
+            std::string entry = bytes.substr(at, end - at);
+            at = end + 2;
             ASSERT_FALSE(entry.empty()) << path;
-            if (entry.starts_with(";")) continue;
-            if (constexpr std::string_view mark = " (no subfolders)"; entry.ends_with(mark)) {
-                entry.resize(entry.size() - mark.size());
-                EXPECT_TRUE(entry.ends_with('\\')) << path << ": " << entry;
-                EXPECT_TRUE(fs::is_directory(ShippedPath(entry))) << path << ": " << entry;
-            } else {
-                EXPECT_TRUE(fs::is_regular_file(ShippedPath(entry))) << path << ": " << entry;
-            }
+            if (entry == "END" || entry.starts_with(";")) continue;
+            const std::size_t mark = entry.find(" (no subfolders)");
+            entry.erase(std::min(mark, entry.size()));
+            const fs::path named = ShippedPath(entry);
+            EXPECT_TRUE(entry.ends_with('\\') ? fs::is_directory(named)
+                                              : fs::is_regular_file(named))
+                << path << ": " << entry;
+            ++entries;
         }
+        EXPECT_GE(entries, 1) << path;
     }
 }
 
