@@ -200,6 +200,11 @@ void LogBlock(CLumoscriptView& view, std::string_view name, std::string_view det
     const int number = ImageInHand(view);
     if (BatchErrorsOn(view)) LogBatchError(view, number, name, detail, text);
     if (ErrorLogOn(view)) LogErrorBlock(view, number, name, detail, text);
+    if (!view.run.noPrompts) return;
+    std::string words;
+    if (number != kNoNumber) words = Printable(view.input.path) + ": ";
+    if (!detail.empty()) words += Printable(detail) + ": ";
+    view.ui.Notice(words.append(text));
 }
 
 void LogCommandFailure(CLumoscriptView& view, std::string_view name) {

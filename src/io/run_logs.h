@@ -58,7 +58,8 @@ void ClearLogs(CLumoscriptView& view);
 void OpenLogs(CLumoscriptView& view);
 /// One line in both logs.
 void LogLine(CLumoscriptView& view, int number, std::string_view text);
-/// The block of an error or warning in both logs, with the number of the image in hand.
+/// The block of an error or warning in both logs, with the number of the image in hand; in an
+/// unattended run also a line for whoever started it.
 void LogBlock(CLumoscriptView& view, std::string_view name, std::string_view detail,
               std::string_view text);
 /// The block of a command whose handler failed: "Error:1003 - Command execution failure".
