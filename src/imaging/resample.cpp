@@ -1,0 +1,379 @@
+#include "imaging/resample.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cassert>
+#include <cstring>
+#include <vector>
+
+#include "imaging/last_error.h"
+#include "imaging/parallel.h"
+#include "imaging/resample_kernels.h"
+#include "imaging/resample_weights.h"
+
+namespace lumo::imaging {
+namespace {
+
+using kernels::kMostRows, kernels::kPairSize;
+
+// The sums of the first axis start from bytes: 22 bits of weight, twice over for filters that
+// overshoot, and 8 of the sample stay below 2^31. Those of the second axis start from 16-bit
+// samples, which share the 31 bits with the weights.
+constexpr int kFirstAxisBits = 22;
+constexpr int kSecondAxisBits = 18;
+constexpr int kMostFractionBits = 6;
+
+// Bytes of each source row that are worked on at a time, so that the rows under a few target rows
+// stay in the cache however many they are.
+constexpr std::size_t kTile = 3072;
+
+/// One allocation, handed out in pieces that start at cache lines.
+class Scratch {
+  public:
+    template <typename T>
+    static std::size_t Room(std::size_t count) {
+        return (count * sizeof(T) + 63) / 64 * 64;
+    }
+    explicit Scratch(std::size_t bytes) : memory_(PixelBuffer::TryAllocate(bytes)), bytes_(bytes) {}
+    explicit operator bool() const { return static_cast<bool>(memory_); }
+
+    template <typename T>
+    T* Take(std::size_t count) {
+        auto* piece = reinterpret_cast<T*>(memory_.Data() + used_);
+        used_ += Room<T>(count);
+        assert(used_ <= bytes_);
+        return piece;
+    }
+
+  private:
+    PixelBuffer memory_;
+    std::size_t bytes_ = 0;
+    std::size_t used_ = 0;
+};
+
+/// The weights across a row in the form of the kernel, and the shape of its rows of pairs.
+struct ColumnPlan {
+    kernels::ColumnSum sum{};
+    bool twoPhases = false;  // pairs that begin at odd pixels follow those that begin at even ones
+    std::size_t phaseSize = 0;  // 16-bit numbers
+    std::size_t rowSize = 0;
+    PixelBuffer memory;
+};
+
+/// Everything that stays the same from row to row.
+struct Job {
+    ConstImageView source;
+    ImageView target;
+    AxisWeights across, down;
+    ColumnPlan columns;
+    int fractionBits = 0;  // of the samples between the two axes
+};
+
+bool PlanColumns(const AxisWeights& axis, ColumnPlan& plan) {
+    const auto width = static_cast<std::size_t>(axis.target);
+    // With many taps one spare pair costs less than laying every row out twice.
+    plan.twoPhases = axis.taps <= 8;
+    plan.phaseSize = (static_cast<std::size_t>(axis.source) / 2 + 3) * kPairSize;
+    plan.rowSize = plan.twoPhases ? 2 * plan.phaseSize : plan.phaseSize;
+    const int pairCount = plan.twoPhases ? axis.stride / 2 : axis.taps / 2 + 1;
+    const std::size_t perPixel = static_cast<std::size_t>(pairCount) * kPairSize;
+    plan.memory = PixelBuffer::TryAllocate(Scratch::Room<std::int16_t>(width * perPixel) +
+                                           Scratch::Room<std::int32_t>(width));
+    if (!plan.memory) return false;
+    auto* weights = reinterpret_cast<std::int16_t*>(plan.memory.Data());
+    auto* offsets = reinterpret_cast<std::int32_t*>(plan.memory.Data() +
+                                                    Scratch::Room<std::int16_t>(width * perPixel));
+    std::fill_n(weights, width * perPixel, std::int16_t{0});
+    plan.sum = {axis.target, offsets, weights, pairCount, 0};
+    for (int x = 0; x < axis.target; ++x, weights += perPixel) {
+        const int first = axis.First(x);
+        const int odd = first % 2;
+        offsets[x] = first / 2 * static_cast<int>(kPairSize) +
+                     (plan.twoPhases && odd ? static_cast<int>(plan.phaseSize) : 0);
+        const int lead = plan.twoPhases ? 0 : odd;
+        for (int k = 0; k < axis.taps; ++k) {
+            std::int16_t* pair = weights + static_cast<std::size_t>((k + lead) / 2) * kPairSize;
+            for (int channel = 0; channel < 4; ++channel)
+                pair[2 * channel + (k + lead) % 2] = axis.Weights(x)[k];
+        }
+    }
+    return true;
+}
+
+template <typename Sample>
+void PackPhase(const Sample* pixels, std::size_t width, std::size_t size, std::int16_t* pairs) {
+    kernels::PackPairs(pixels, width, pairs);
+    const std::size_t used = (width + 1) / 2 * kPairSize;
+    std::fill(pairs + used, pairs + size, std::int16_t{0});
+}
+
+template <typename Sample>
+void PackRow(const ColumnPlan& plan, const Sample* pixels, int width, std::int16_t* pairs) {
+    const auto count = static_cast<std::size_t>(width);
+    PackPhase(pixels, count, plan.phaseSize, pairs);
+    if (plan.twoPhases)
+        PackPhase(pixels + kChannels, count - 1, plan.phaseSize, pairs + plan.phaseSize);
+}
+
+/// The source rows under target row y; an odd number of taps names its last row twice.
+void ListRows(const Job& job, int y, const std::uint8_t** rows) {
+    const int first = job.down.First(y);
+    for (int k = 0; k < job.down.taps; ++k) rows[k] = job.source.Row(first + k);
+    if (job.down.taps < job.down.stride) rows[job.down.taps] = rows[job.down.taps - 1];
+}
+
+using RowList = const std::uint8_t*;
+
+/// Makes `count` rows from y on out of the source rows: `out[i]` takes the i-th.
+template <typename Out>
+void SumSourceRows(const Job& job, int y, int count, int shift, RowList* rows, Out* const* out) {
+    const auto taps = static_cast<std::size_t>(job.down.stride);
+    for (int i = 0; i < count; ++i) ListRows(job, y + i, rows + static_cast<std::size_t>(i) * taps);
+    const std::size_t bytes = job.source.Stride();
+    for (std::size_t begin = 0; begin < bytes; begin += kTile)
+        for (int i = 0; i < count; ++i)
+            kernels::SumRows({rows + static_cast<std::size_t>(i) * taps, job.down.Weights(y + i),
+                              job.down.stride, shift},
+                             begin, std::min(bytes, begin + kTile), out[i]);
+}
+
+bool DownOnly(const Job& job, int first, int last) {
+    const std::size_t listed = static_cast<std::size_t>(job.down.stride) * kMostRows;
+    Scratch scratch(Scratch::Room<RowList>(listed));
+    if (!scratch) return false;
+    auto* rows = scratch.Take<RowList>(listed);
+    for (int y = first; y < last; y += kMostRows) {
+        const int count = std::min(kMostRows, last - y);
+        std::uint8_t* out[kMostRows] = {};
+        for (int i = 0; i < count; ++i) out[i] = job.target.Row(y + i);
+        SumSourceRows(job, y, count, job.down.bits, rows, out);
+    }
+    return true;
+}
+
+/// Packs `count` rows into `pairs` and makes as many rows of the target's width.
+template <typename Sample, typename Out>
+void SumPackedRows(const Job& job, const Sample* const* rows, int count, int shift,
+                   std::int16_t* pairs, Out* const* out) {
+    const std::int16_t* packed[kMostRows] = {};
+    for (int i = 0; i < count; ++i) {
+        std::int16_t* row = pairs + static_cast<std::size_t>(i) * job.columns.rowSize;
+        PackRow(job.columns, rows[i], job.source.Width(), row);
+        packed[i] = row;
+    }
+    kernels::ColumnSum sum = job.columns.sum;
+    sum.shift = shift;
+    kernels::SumColumns(sum, packed, count, out);
+}
+
+bool AcrossOnly(const Job& job, int first, int last) {
+    const std::size_t packed = job.columns.rowSize * kMostRows;
+    Scratch scratch(Scratch::Room<std::int16_t>(packed));
+    if (!scratch) return false;
+    auto* pairs = scratch.Take<std::int16_t>(packed);
+    for (int y = first; y < last; y += kMostRows) {
+        const int count = std::min(kMostRows, last - y);
+        const std::uint8_t* rows[kMostRows] = {};
+        std::uint8_t* out[kMostRows] = {};
+        for (int i = 0; i < count; ++i) {
+            rows[i] = job.source.Row(y + i);
+            out[i] = job.target.Row(y + i);
+        }
+        SumPackedRows(job, rows, count, job.across.bits, pairs, out);
+    }
+    return true;
+}
+
+/// For a picture that gets lower: few rows are left for the dearer axis.
+bool DownThenAcross(const Job& job, int first, int last) {
+    const std::size_t listed = static_cast<std::size_t>(job.down.stride) * kMostRows;
+    const std::size_t packed = job.columns.rowSize * kMostRows;
+    const std::size_t samples = job.source.Stride();
+    Scratch scratch(Scratch::Room<RowList>(listed) + Scratch::Room<std::int16_t>(packed) +
+                    Scratch::Room<std::int16_t>(samples) * kMostRows);
+    if (!scratch) return false;
+    auto* rows = scratch.Take<RowList>(listed);
+    auto* pairs = scratch.Take<std::int16_t>(packed);
+    std::int16_t* between[kMostRows];
+    for (auto& row : between) row = scratch.Take<std::int16_t>(samples);
+    for (int y = first; y < last; y += kMostRows) {
+        const int count = std::min(kMostRows, last - y);
+        std::uint8_t* out[kMostRows] = {};
+        for (int i = 0; i < count; ++i) out[i] = job.target.Row(y + i);
+        SumSourceRows(job, y, count, job.down.bits - job.fractionBits, rows, between);
+        SumPackedRows(job, between, count, job.across.bits + job.fractionBits, pairs, out);
+    }
+    return true;
+}
+
+/// How far, at most, the first source row of a target row lies above that of an earlier one:
+/// weights that came out as 0 at the start of a window move it on by a few.
+int StepBack(const AxisWeights& axis) {
+    int furthest = 0, back = 0;
+    for (int i = 0; i < axis.target; ++i) {
+        furthest = std::max(furthest, axis.First(i));
+        back = std::max(back, furthest - axis.First(i));
+    }
+    return back;
+}
+
+/// For a picture that gets higher: each source row is made wider once and waits in a ring until
+/// the last target row that needs it.
+bool AcrossThenDown(const Job& job, int first, int last) {
+    const int taps = job.down.taps;
+    const int back = StepBack(job.down);
+    const int ringRows = taps + back + kMostRows - 1;
+    const std::size_t packed = job.columns.rowSize * kMostRows;
+    const std::size_t samples = job.target.Stride();
+    const auto listed = static_cast<std::size_t>(job.down.stride);
+    Scratch scratch(Scratch::Room<const std::int16_t*>(listed) +
+                    Scratch::Room<std::int16_t>(packed) +
+                    Scratch::Room<std::int16_t>(samples + 1) * static_cast<std::size_t>(ringRows));
+    if (!scratch) return false;
+    auto* rows = scratch.Take<const std::int16_t*>(listed);
+    auto* pairs = scratch.Take<std::int16_t>(packed);
+    auto* ring = scratch.Take<std::int16_t>(0);
+    const std::size_t ringStride = Scratch::Room<std::int16_t>(samples + 1) / sizeof(std::int16_t);
+    const auto ringRow = [&](int y) {
+        return ring + static_cast<std::size_t>(y % ringRows) * ringStride;
+    };
+    int made = std::max(0, job.down.First(first) - back);  // the next source row for the ring
+    for (int y = first; y < last; ++y) {
+        const int top = job.down.First(y);
+        while (made < top + taps) {
+            const int count = std::min(kMostRows, job.source.Height() - made);
+            const std::uint8_t* from[kMostRows] = {};
+            std::int16_t* to[kMostRows] = {};
+            for (int i = 0; i < count; ++i) {
+                from[i] = job.source.Row(made + i);
+                to[i] = ringRow(made + i);
+            }
+            SumPackedRows(job, from, count, job.across.bits - job.fractionBits, pairs, to);
+            made += count;
+        }
+        for (int k = 0; k < job.down.stride; ++k) rows[k] = ringRow(top + std::min(k, taps - 1));
+        kernels::SumRows(
+            {rows, job.down.Weights(y), job.down.stride, job.down.bits + job.fractionBits}, 0,
+            samples, job.target.Row(y));
+    }
+    return true;
+}
+
+/// The most fraction bits with which neither the samples between the axes leave 16 bits nor the
+/// sums of the second axis 32. Each axis can overshoot by its gain.
+int FractionBits(const AxisWeights& first, const AxisWeights& second) {
+    const double overshoot = 255.0 * static_cast<double>(first.gain) / (1 << first.bits) + 1.0;
+    int bits = kMostFractionBits;
+    while (overshoot * (1 << bits) > 32767.0 ||
+           (overshoot * static_cast<double>(second.gain) + (1 << (second.bits - 1))) * (1 << bits) >
+               2147483647.0)
+        --bits;
+    assert(bits >= 1);
+    return bits;
+}
+
+bool OverRows(const Job& job, bool (*range)(const Job& job, int first, int last)) {
+    std::atomic<bool> ok = true;
+    const int rows = job.target.Height();
+    const std::size_t work =
+        (job.source.Bytes().size() + job.target.Bytes().size()) / static_cast<std::size_t>(rows);
+    ForRows(rows, work, [&](int first, int last) {
+        if (!range(job, first, last)) ok = false;
+    });
+    if (!ok) SetLastError("not enough memory to change the size");
+    return ok;
+}
+
+bool BuildAxis(int source, int target, ResampleFilter filter, int maxBits, AxisWeights& axis) {
+    auto built = BuildAxisWeights(source, target, filter, maxBits);
+    if (built) axis = std::move(*built);
+    return built.has_value();
+}
+
+bool Filtered(ConstImageView source, ImageView target, ResampleFilter filter) {
+    Job job{.source = source, .target = target};
+    const Size from = source.Extent(), to = target.Extent();
+    const bool across = from.width != to.width, down = from.height != to.height;
+    const bool downFirst = to.height < from.height;
+    const int downBits = across && !downFirst ? kSecondAxisBits : kFirstAxisBits;
+    const int acrossBits = down && downFirst ? kSecondAxisBits : kFirstAxisBits;
+    if (down && !BuildAxis(from.height, to.height, filter, downBits, job.down)) return false;
+    if (across && (!BuildAxis(from.width, to.width, filter, acrossBits, job.across) ||
+                   !PlanColumns(job.across, job.columns)))
+        return false;
+    if (!across) return OverRows(job, DownOnly);
+    if (!down) return OverRows(job, AcrossOnly);
+    job.fractionBits =
+        downFirst ? FractionBits(job.down, job.across) : FractionBits(job.across, job.down);
+    return OverRows(job, downFirst ? DownThenAcross : AcrossThenDown);
+}
+
+/// The source position under the centre of target position i; on a border, the right one.
+int NearestPosition(int source, int target, int i) {
+    return static_cast<int>((2 * static_cast<std::int64_t>(i) + 1) * source /
+                            (2 * static_cast<std::int64_t>(target)));
+}
+
+bool Nearest(ConstImageView source, ImageView target) {
+    const int width = target.Width();
+    const auto columns = static_cast<std::size_t>(width);
+    Scratch scratch(Scratch::Room<std::size_t>(columns));
+    if (!scratch) return false;
+    auto* offsets = scratch.Take<std::size_t>(columns);
+    for (int x = 0; x < width; ++x)
+        offsets[x] = StrideOf({NearestPosition(source.Width(), width, x), 1});
+    ForRows(target.Height(), target.Stride() * 2, [&](int first, int last) {
+        int before = -1;
+        for (int y = first; y < last; ++y) {
+            const int from = NearestPosition(source.Height(), target.Height(), y);
+            std::uint8_t* out = target.Row(y);
+            const std::uint8_t* row = source.Row(from);
+            if (from == before) {
+                std::memcpy(out, target.Row(y - 1), target.Stride());
+            } else if (width == source.Width()) {
+                std::memcpy(out, row, target.Stride());
+            } else {
+                for (int x = 0; x < width; ++x, out += kChannels)
+                    std::memcpy(out, row + offsets[x], kChannels);
+            }
+            before = from;
+        }
+    });
+    return true;
+}
+
+}  // namespace
+
+ResampleFilter FilterOfCode(int code) {
+    switch (code) {
+        case 1:
+        case 18:
+            return ResampleFilter::Nearest;
+        case 3:
+        case 17:
+            return ResampleFilter::Bicubic;
+        case 4:
+        case 14:
+            return ResampleFilter::Box;
+        case 8:
+            return ResampleFilter::Lanczos3;
+        case 11:
+            return ResampleFilter::Hermite;
+        case 13:
+            return ResampleFilter::CatmullRom;
+        default:
+            return ResampleFilter::Bilinear;
+    }
+}
+
+bool ResizeImage(ConstImageView source, ImageView target, ResampleFilter filter) {
+    assert(!source.IsEmpty() && !target.IsEmpty());
+    if (source.Extent() == target.Extent()) {
+        std::memcpy(target.Bytes().data(), source.Bytes().data(), source.Bytes().size());
+        return true;
+    }
+    return filter == ResampleFilter::Nearest ? Nearest(source, target)
+                                             : Filtered(source, target, filter);
+}
+
+}  // namespace lumo::imaging

@@ -1,0 +1,86 @@
+#include "cli/command_line.h"
+
+#include <gmock/gmock.h>
+
+namespace lumo::cli {
+namespace {
+
+using testing::HasSubstr;
+
+CommandLine Desktop(const std::vector<std::string>& arguments) {
+    return ParseCommandLine(arguments, Program::Desktop);
+}
+CommandLine Batch(const std::vector<std::string>& arguments) {
+    return ParseCommandLine(arguments, Program::Batch);
+}
+
+TEST(CommandLine, SwitchesAreWholeArgumentsInAnyCase) {
+    for (const auto& switches : std::vector<std::vector<std::string>>{
+             {"/r", "/x", "/s", "/e"}, {"-R", "-X", "-S", "-E"}, {"/R", "-x", "/S", "-e"}}) {
+        std::vector<std::string> arguments{"a.whs"};
+        arguments.insert(arguments.end(), switches.begin(), switches.end());
+        const CommandLine line = Desktop(arguments);
+        EXPECT_FALSE(line.stop) << line.text;
+        EXPECT_EQ(line.scriptPath, "a.whs");
+        EXPECT_TRUE(line.autoRun && line.autoExit && line.noPrompts && line.forceErrorLog);
+        EXPECT_TRUE(line.Unattended());
+    }
+}
+
+TEST(CommandLine, APathMayBeginLikeASwitch) {
+    for (const char* path : {"/root/a.whs", "/r.whs", "/srv/x", "/e/s", "./-r.whs"}) {
+        const CommandLine line = Desktop({path, "/r", "/x", "/s"});
+        EXPECT_FALSE(line.stop) << line.text;
+        EXPECT_EQ(line.scriptPath, path);
+    }
+}
+
+TEST(CommandLine, SwitchesMayStandBeforeTheScript) {
+    const CommandLine line = Desktop({"/x", "/r", "a b.whs", "/s"});
+    EXPECT_EQ(line.scriptPath, "a b.whs");
+    EXPECT_TRUE(line.Unattended());
+}
+
+TEST(CommandLine, ExitAloneMeansNothing) {
+    const CommandLine line = Desktop({"a.whs", "/x", "/s"});
+    EXPECT_FALSE(line.autoExit);
+    EXPECT_FALSE(line.Unattended());
+    EXPECT_FALSE(line.stop);
+}
+
+TEST(CommandLine, TheBatchProgramIsAlwaysUnattended) {
+    const CommandLine line = Batch({"a.whs"});
+    EXPECT_FALSE(line.stop);
+    EXPECT_TRUE(line.Unattended());
+    EXPECT_FALSE(line.forceErrorLog);
+}
+
+TEST(CommandLine, WrongUseEndsWithTwo) {
+    for (const auto& arguments :
+         std::vector<std::vector<std::string>>{{}, {"a.whs", "b.whs"}, {"a.whs", "--nonsense"}}) {
+        const CommandLine line = Batch(arguments);
+        EXPECT_TRUE(line.stop);
+        EXPECT_EQ(line.exitCode, 2);
+        EXPECT_FALSE(line.text.empty());
+    }
+    EXPECT_EQ(Desktop({"/r", "/x", "/s"}).exitCode, 2);
+}
+
+TEST(CommandLine, HelpTellsSwitchesAndExitStatus) {
+    const CommandLine line = Batch({"--help"});
+    EXPECT_TRUE(line.stop);
+    EXPECT_EQ(line.exitCode, 0);
+    EXPECT_THAT(line.text, HasSubstr("Usage: lumoscript-batch"));
+    EXPECT_THAT(line.text, HasSubstr("SCRIPT"));
+    EXPECT_THAT(line.text, HasSubstr("130"));
+}
+
+TEST(CommandLine, VersionIsOneLine) {
+    const CommandLine line = Desktop({"--version"});
+    EXPECT_TRUE(line.stop);
+    EXPECT_EQ(line.exitCode, 0);
+    EXPECT_THAT(line.text, testing::MatchesRegex("lumoscript [0-9.]+\n"));
+}
+
+}  // namespace
+}  // namespace lumo::cli

@@ -1,0 +1,201 @@
+// The programs as a user starts them.
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <filesystem>
+#include <thread>
+
+#include "imaging/codecs/codec.h"
+#include "platform/files.h"
+#include "support/program.h"
+#include "support/temp_folder.h"
+#include "support/test_images.h"
+
+namespace lumo {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+const std::string kBatch = LUMO_BATCH_PROGRAM;
+const std::string kDesktop = LUMO_DESKTOP_PROGRAM;
+
+/// A home of its own, an input folder and a Script.
+class Unattended : public testing::Test {
+  protected:
+    Unattended() { fs::create_directories(folder / "in"); }
+
+    void AddPictures(int count) {
+        const imaging::Image image = test::CoordinateImage({64, 48});
+        const auto bytes = imaging::codecs::EncodePng(image.View(), {});
+        ASSERT_TRUE(bytes);
+        for (int i = 0; i < count; ++i)
+            ASSERT_TRUE(platform::WriteFile(folder / ("in/" + std::to_string(i) + ".png"), *bytes));
+    }
+    std::string MakeScript(const std::string& commands, const std::string& outputs = "") {
+        const std::string start =
+            "START image loop (setup)\r\n32,2,,\"" + (folder / "in") +
+            "\",1,1,1,1,1,1,1,1,1,1,1,12,2024,1,12,1980,64,48,1280,960,0,0,0,0,0,0,0.0,4.0,0,\r\n";
+        const std::string output =
+            outputs.empty()
+                ? "Output setup\r\n11,0,\"" + (folder / "out") + "\",0,png,0,0,,,0,0,1,\r\n"
+                : outputs;
+        const std::string path = folder / "test.whs";
+        test::PutFile(path, "BEGIN\r\n" + start + commands + output + "END image loop\r\n0\r\nEND\r\n");
+        return path;
+    }
+    std::string Log(const std::string& name) {
+        return test::FileText(folder / ("home/Documents/Lumoscript/Logs/" + name));
+    }
+
+    test::TempFolder folder;
+    test::ScopedVariable home{"HOME", folder / "home"};
+    test::ScopedVariable config{"XDG_CONFIG_HOME", folder / "config"};
+    test::ScopedVariable display{"DISPLAY", nullptr};
+    test::ScopedVariable bus{"DBUS_SESSION_BUS_ADDRESS", nullptr};
+};
+
+TEST_F(Unattended, ARunFromFolderToFolder) {
+    AddPictures(3);
+    const auto result = test::RunProgram({kBatch, MakeScript("")});
+    EXPECT_EQ(result.exitStatus, 0) << result.err;
+    EXPECT_THAT(result.out, StartsWith("3 images read, 3 files written, 0 errors, 0 warnings, "));
+    EXPECT_THAT(result.err, IsEmpty());
+    EXPECT_THAT(test::NamesIn(folder / "out"), ElementsAre("0.png", "1.png", "2.png"));
+    EXPECT_THAT(Log("Batch.log"), HasSubstr("---- done ----"));
+    EXPECT_FALSE(fs::exists(folder / "config/lumoscript")) << "a server keeps no settings";
+}
+
+TEST_F(Unattended, TheDesktopProgramNeedsNoDisplayForIt) {
+    AddPictures(1);
+    const auto result = test::RunProgram({kDesktop, MakeScript(""), "/r", "/x", "/s", "/e"});
+    EXPECT_EQ(result.exitStatus, 0) << result.err;
+    EXPECT_THAT(test::NamesIn(folder / "out"), ElementsAre("0.png"));
+}
+
+TEST_F(Unattended, AFailedCommandGivesOne) {
+    AddPictures(1);
+    const auto result = test::RunProgram({kBatch, MakeScript("No such command\r\n0\r\n")});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(test::NamesIn(folder / "out"), ElementsAre("0.png"));
+}
+
+TEST_F(Unattended, AWarningLeavesZero) {
+    AddPictures(1);
+    const std::string script = MakeScript(
+        "", "Output setup\r\n11,0,\"" + (folder / "out") + "\",0,png,0,0,,,0,0,0,\r\n");
+    EXPECT_EQ(test::RunProgram({kBatch, script}).exitStatus, 0);
+    const auto again = test::RunProgram({kBatch, script});
+    EXPECT_EQ(again.exitStatus, 0);
+    EXPECT_THAT(again.out, HasSubstr("0 files written, 0 errors, 1 warning,"));
+    EXPECT_THAT(Log("Batch.log"), HasSubstr("Warning:101 - Output file exists, Output setup "
+                                            "command set for no overwrite"));
+}
+
+TEST_F(Unattended, AMissingScriptGivesThree) {
+    const auto result = test::RunProgram({kBatch, folder / "none.whs"});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(result.err, HasSubstr("Unable to find or open named Lumoscript script file (.whs), "
+                                      "check file path?"));
+    EXPECT_THAT(result.out, IsEmpty());
+}
+
+TEST_F(Unattended, AFileThatIsNoScriptTouchesNothing) {
+    AddPictures(1);
+    test::PutFile(folder / "bad.whs", "GARBAGE that is long enough\r\n");
+    const auto result = test::RunProgram({kBatch, folder / "bad.whs"});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(result.err, HasSubstr("Not a valid script or subroutine file!"));
+    EXPECT_FALSE(fs::exists(folder / "out"));
+}
+
+TEST_F(Unattended, AFolderLeftOpenGivesThreeAndWords) {
+    const auto result = test::RunProgram(
+        {kBatch, MakeScript("", "Output setup\r\n11,0,,0,jpg,0,0,,,0,0,0,\r\n"), "/e"});
+    EXPECT_EQ(result.exitStatus, 3);
+    const std::string words =
+        "In 'Output setup' command(s) you must uncheck 'Set at runtime' and set output folder. "
+        "Then run again";
+    EXPECT_THAT(result.err, HasSubstr(words));
+    EXPECT_THAT(Log("Error.log"), HasSubstr(words));
+}
+
+TEST_F(Unattended, StructureFaultsGiveThree) {
+    const auto result = test::RunProgram({kBatch, MakeScript("IF_END\r\n0\r\n"), "/e"});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(result.err, HasSubstr("Preprocessing error: IF_END before IF_START in Image loop"));
+}
+
+TEST_F(Unattended, WrongUseGivesTwo) {
+    EXPECT_EQ(test::RunProgram({kBatch}).exitStatus, 2);
+    EXPECT_EQ(test::RunProgram({kBatch, "a", "b"}).exitStatus, 2);
+}
+
+TEST_F(Unattended, HelpGoesToStandardOutput) {
+    const auto result = test::RunProgram({kBatch, "--help"});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(result.out, HasSubstr("Exit status"));
+    EXPECT_THAT(result.err, IsEmpty());
+}
+
+/// A Script that never ends, which is its author's right.
+constexpr const char* kEndless =
+    "DO_WHILE (condition)\r\n5,4,2,0,0,0,\r\nCounter (reset or increment)\r\n3,1,1,1,\r\n"
+    "DO_END\r\n0\r\n";
+
+TEST_F(Unattended, SigintEndsAnEndlessRunWithItsLogs) {
+    AddPictures(2);
+    const auto result = test::RunProgram({kBatch, MakeScript(kEndless), "/e"}, [](int process) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        kill(process, SIGINT);
+    });
+    EXPECT_EQ(result.exitStatus, 130);
+    EXPECT_THAT(Log("Error.log"), HasSubstr("User aborted."));
+    EXPECT_THAT(Log("Batch.log"), HasSubstr("Elapsed processing time"));
+    EXPECT_FALSE(fs::exists(folder / "out/0.png"));
+}
+
+TEST_F(Unattended, SigtermGives143) {
+    AddPictures(1);
+    const auto result = test::RunProgram({kBatch, MakeScript(kEndless)}, [](int process) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        kill(process, SIGTERM);
+    });
+    EXPECT_EQ(result.exitStatus, 143);
+}
+
+TEST_F(Unattended, RunsWithoutAWritableHome) {
+    AddPictures(1);
+    const test::ScopedVariable noHome("HOME", "/proc/nowhere");
+    const test::ScopedVariable noConfig("XDG_CONFIG_HOME", "/proc/nowhere/config");
+    for (const std::string& program : {kBatch, kDesktop}) {
+        fs::remove_all(folder / "out");
+        const auto result = test::RunProgram({program, MakeScript(""), "/r", "/x", "/s"});
+        EXPECT_EQ(result.exitStatus, 0) << result.err;
+        EXPECT_THAT(test::NamesIn(folder / "out"), ElementsAre("0.png"));
+    }
+}
+
+TEST_F(Unattended, DebugLogNamesTheLastCommands) {
+    AddPictures(1);
+    const auto result = test::RunProgram({kBatch, MakeScript(""), "--debug-log"});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(Log("Debug.log"), HasSubstr("Current Image File with last command executed:\r\n" +
+                                            (folder / "in/0.png") + "\r\nOutput setup\r\n"));
+}
+
+TEST_F(Unattended, ProgressIsForTerminalsOnly) {
+    AddPictures(2);
+    const auto result = test::RunProgram({kBatch, MakeScript("")});
+    EXPECT_THAT(result.err, Not(HasSubstr("%")));
+    EXPECT_THAT(test::RunProgram({kBatch, MakeScript(""), "--quiet"}).out, IsEmpty());
+}
+
+}  // namespace
+}  // namespace lumo

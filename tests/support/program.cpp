@@ -1,0 +1,56 @@
+#include "support/program.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "support/temp_folder.h"
+
+namespace lumo::test {
+namespace {
+
+/// The output goes to files, so that no pipe can fill up.
+void Redirect(const std::string& path, int target) {
+    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (file < 0 || dup2(file, target) < 0) _exit(126);
+    close(file);
+}
+
+}  // namespace
+
+ProgramResult RunProgram(const std::vector<std::string>& arguments) {
+    return RunProgram(arguments, [](int) {});
+}
+
+ProgramResult RunProgram(const std::vector<std::string>& arguments,
+                         const std::function<void(int process)>& meanwhile) {
+    const TempFolder folder;
+    const std::string outPath = folder / "out", errPath = folder / "err";
+    std::vector<char*> argv;
+    for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
+    const pid_t child = fork();
+    if (child < 0) std::abort();
+    if (child == 0) {
+        const int null = open("/dev/null", O_RDONLY);
+        dup2(null, STDIN_FILENO);
+        Redirect(outPath, STDOUT_FILENO);
+        Redirect(errPath, STDERR_FILENO);
+        execv(argv[0], argv.data());
+        _exit(127);
+    }
+    meanwhile(child);
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0) {
+    }
+    ProgramResult result;
+    result.exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    result.out = FileText(outPath);
+    result.err = FileText(errPath);
+    return result;
+}
+
+}  // namespace lumo::test

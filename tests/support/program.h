@@ -1,0 +1,22 @@
+#pragma once
+
+#include <csignal>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace lumo::test {
+
+struct ProgramResult {
+    int exitStatus = -1;  // 128 + n for an end by signal n
+    std::string out, err;
+};
+
+/// Runs a program without a shell, with its standard input empty, and waits for its end.
+ProgramResult RunProgram(const std::vector<std::string>& arguments);
+
+/// Starts a program, calls `meanwhile` with its process number, then waits for its end.
+ProgramResult RunProgram(const std::vector<std::string>& arguments,
+                         const std::function<void(int process)>& meanwhile);
+
+}  // namespace lumo::test
