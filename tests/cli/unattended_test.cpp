@@ -197,5 +197,19 @@ TEST_F(Unattended, ProgressIsForTerminalsOnly) {
     EXPECT_THAT(test::RunProgram({kBatch, MakeScript(""), "--quiet"}).out, IsEmpty());
 }
 
+TEST_F(Unattended, MemoryStaysFlatOverTwoThousandFiles) {
+    const std::string script = MakeScript("Counter (reset or increment)\r\n3,1,1,0,\r\n");
+    AddPictures(20);
+    const auto few = test::RunProgram({kBatch, script});
+    EXPECT_EQ(few.exitStatus, 0);
+    AddPictures(2000);
+    const auto many = test::RunProgram({kBatch, script});
+    EXPECT_EQ(many.exitStatus, 0);
+    EXPECT_THAT(many.out, HasSubstr("2000 images read, 2000 files written"));
+#ifndef LUMO_SANITIZED  // a sanitizer keeps freed memory in quarantine
+    EXPECT_LT(many.peakKilobytes, few.peakKilobytes * 12 / 10);
+#endif
+}
+
 }  // namespace
 }  // namespace lumo

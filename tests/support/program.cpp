@@ -1,6 +1,7 @@
 #include "support/program.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -44,10 +45,12 @@ ProgramResult RunProgram(const std::vector<std::string>& arguments,
     }
     meanwhile(child);
     int status = 0;
-    while (waitpid(child, &status, 0) < 0) {
+    rusage usage{};
+    while (wait4(child, &status, 0, &usage) < 0) {
     }
     ProgramResult result;
     result.exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    result.peakKilobytes = usage.ru_maxrss;
     result.out = FileText(outPath);
     result.err = FileText(errPath);
     return result;

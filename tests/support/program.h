@@ -10,6 +10,7 @@ namespace lumo::test {
 struct ProgramResult {
     int exitStatus = -1;  // 128 + n for an end by signal n
     std::string out, err;
+    long peakKilobytes = 0;  // resident memory at its highest
 };
 
 /// Runs a program without a shell, with its standard input empty, and waits for its end.
