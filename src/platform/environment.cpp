@@ -31,6 +31,12 @@ std::string Absolute(const std::string& path) {
     return failed ? path : absolute.string();
 }
 
+std::string Below(const std::string& folder, std::string_view name) {
+    return folder == "/" ? folder + std::string(name) : folder + "/" + std::string(name);
+}
+
+}  // namespace
+
 std::string HomeFolder() {
     const std::string home = Variable("HOME");
     if (!home.empty()) return WithoutTrailingSlash(home);
@@ -44,9 +50,7 @@ std::string HomeFolder() {
     return WithoutTrailingSlash(found->pw_dir);
 }
 
-std::string Below(const std::string& folder, std::string_view name) {
-    return folder == "/" ? folder + std::string(name) : folder + "/" + std::string(name);
-}
+namespace {
 
 // A relative path in this variable is to be ignored, as the desktop's own rules say.
 std::string ConfigHome() {

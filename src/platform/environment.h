@@ -15,6 +15,8 @@ namespace lumo::platform {
 /// <prefix>/share/lumoscript beside the running program. No trailing slash.
 std::string InstallFolder();
 
+/// $HOME, or what the list of users says; no trailing slash.
+std::string HomeFolder();
 /// $XDG_CONFIG_HOME/lumoscript, default ~/.config/lumoscript.
 std::string ConfigFolder();
 /// The user's documents folder; ~/Documents where the desktop names none.

@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
+#include <cstdio>
 #include <memory>
 #include <new>
 
@@ -180,6 +180,18 @@ Status MakeFolders(const std::string& path) {
 
 Status RemoveFile(const std::string& path) {
     if (::unlink(path.c_str()) != 0) return SystemError(path, errno);
+    return Done{};
+}
+
+Status RenameNoReplace(const std::string& from, const std::string& to) {
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
+        return Done{};
+    }
+    if (errno != EINVAL && errno != ENOSYS) return SystemError(to, errno);
+    // Not every file system can do both in one step.
+    struct stat status{};
+    if (::lstat(to.c_str(), &status) == 0) return SystemError(to, EEXIST);
+    if (::rename(from.c_str(), to.c_str()) != 0) return SystemError(to, errno);
     return Done{};
 }
 

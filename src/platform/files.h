@@ -19,7 +19,7 @@ namespace lumo::platform {
 struct FileStatus {
     bool isFolder = false;
     std::uint64_t size = 0;
-    std::time_t created = 0;   // birth time where the file system has it, else as modified
+    std::time_t created = 0;  // birth time where the file system has it, else as modified
     std::time_t modified = 0;
 };
 
@@ -86,6 +86,10 @@ bool IsTemporaryName(std::string_view name);
 Status MakeFolders(const std::string& path);
 
 Status RemoveFile(const std::string& path);
+
+/// Gives a file another name on its file system; fails where something has that name already, a
+/// dangling link too.
+Status RenameNoReplace(const std::string& from, const std::string& to);
 
 /// The name of the path's last component as the folder holds it, if the file exists under this
 /// very path.

@@ -21,6 +21,7 @@ struct Folders {
     std::string lists;          // ListPath
     std::string overlays;       // OverlayPath
     std::string logs;           // LogPath
+    friend bool operator==(const Folders&, const Folders&) = default;
 };
 
 struct DefaultFiles {
@@ -30,6 +31,7 @@ struct DefaultFiles {
     std::string frame;    // IntFramePath
     std::string tile;     // IntTileAbsPath
     std::string sample;   // DefaultImage
+    friend bool operator==(const DefaultFiles&, const DefaultFiles&) = default;
 };
 
 /// How files are written. Texts become integers at each write.
@@ -50,6 +52,7 @@ struct WriterSettings {
     std::array<std::string, 4> pngKeys;  // PNGkey1 ...
     std::array<std::string, 4> pngTexts; // PNGtext1 ...
     double pngGamma = 2.2;               // PNGgamma
+    friend bool operator==(const WriterSettings&, const WriterSettings&) = default;
 };
 
 /// Settings of the reader pages; no decoder looks at them.
@@ -58,6 +61,7 @@ struct ReaderSettings {
     std::string emfWidth = "100", emfHeight = "100";
     bool pngAllowGamma = false;                 // bPNGallow
     std::uint32_t pngBackColour = 0x808080;     // PNGbackcolor
+    friend bool operator==(const ReaderSettings&, const ReaderSettings&) = default;
 };
 
 struct LogSettings {
@@ -69,16 +73,20 @@ struct LogSettings {
     bool outputName = true;   // OutputName
     bool outputSize = true;   // OutputSize
     bool errors = true;       // Errors
+    friend bool operator==(const LogSettings&, const LogSettings&) = default;
 };
 
 struct WindowState {
     bool saved = false;
     int flags = 0, showCommand = 0, left = 0, top = 0, right = 0, bottom = 0;
+    friend bool operator==(const WindowState&, const WindowState&) = default;
 };
 
 struct Settings {
     std::string installFolder;  // not stored; native, without a trailing slash
-    int userMode = 0;           // 1: all folders below the installation; 2: a folder for each user
+    // 0: not known yet; 1: one user; 2: a folder for each user. A first start makes it 2, and the
+    // folders with it.
+    int userMode = 0;
     bool userFolderSet = false;  // UserLSset
     std::string userFolder;      // UserLSpath
 
@@ -112,6 +120,7 @@ struct Settings {
     std::int64_t memoryBudgetMegabytes = 0;
     std::int64_t maxPictureMegapixels = 0;
     std::int64_t maxPictureSide = 0;
+    friend bool operator==(const Settings&, const Settings&) = default;
 };
 
 }  // namespace lumo::settings

@@ -194,6 +194,20 @@ TEST(RemoveFile, RemovesFilesAndLinksButNoFolders) {
     EXPECT_FALSE(RemoveFile(folder.Path()));
 }
 
+TEST(RenameNoReplace, NeverReplacesAnything) {
+    const TempFolder folder;
+    PutFile(folder / "a", "a");
+    PutFile(folder / "b", "b");
+    fs::create_symlink(folder / "gone", folder / "dangling");
+    EXPECT_FALSE(RenameNoReplace(folder / "a", folder / "b"));
+    EXPECT_FALSE(RenameNoReplace(folder / "a", folder / "dangling"));
+    EXPECT_FALSE(RenameNoReplace(folder / "none", folder / "c"));
+    EXPECT_TRUE(RenameNoReplace(folder / "a", folder / "c"));
+    EXPECT_EQ(test::FileText(folder / "c"), "a");
+    EXPECT_EQ(test::FileText(folder / "b"), "b");
+    EXPECT_TRUE(fs::is_symlink(folder / "dangling"));
+}
+
 TEST(TrueName, IsTheNameOfAFileThatExists) {
     const TempFolder folder;
     PutFile(folder / "Cat.JPG", "");
