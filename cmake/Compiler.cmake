@@ -21,6 +21,10 @@ if(LUMO_SANITIZE)
   target_compile_definitions(lumo_options INTERFACE LUMO_SANITIZED)
 endif()
 
+if(LUMO_FUZZ)
+  target_compile_options(lumo_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 find_program(LUMO_CCACHE ccache)
 if(LUMO_CCACHE)
   # Paths below the base folder are hashed relative to it, so that work trees share their objects.
