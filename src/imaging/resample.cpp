@@ -26,6 +26,7 @@ constexpr int kMostFractionBits = 6;
 // Bytes of each source row that are worked on at a time, so that the rows under a few target rows
 // stay in the cache however many they are.
 constexpr std::size_t kTile = 3072;
+static_assert(kTile % (2 * kChannels) == 0, "a tile is made of whole pairs of pixels");
 
 /// One allocation, handed out in pieces that start at cache lines.
 class Scratch {
@@ -71,8 +72,9 @@ struct Job {
 
 bool PlanColumns(const AxisWeights& axis, ColumnPlan& plan) {
     const auto width = static_cast<std::size_t>(axis.target);
-    // With many taps one spare pair costs less than laying every row out twice.
-    plan.twoPhases = axis.taps <= 8;
+    // Few taps for each of many pixels: a spare pair would cost more than a second layout of the
+    // row.
+    plan.twoPhases = axis.target > axis.source;
     plan.phaseSize = (static_cast<std::size_t>(axis.source) / 2 + 3) * kPairSize;
     plan.rowSize = plan.twoPhases ? 2 * plan.phaseSize : plan.phaseSize;
     const int pairCount = plan.twoPhases ? axis.stride / 2 : axis.taps / 2 + 1;
@@ -100,19 +102,39 @@ bool PlanColumns(const AxisWeights& axis, ColumnPlan& plan) {
     return true;
 }
 
+/// Packs `count` pixels of a row from an even x on; what lies behind the row stays as it is. Rows
+/// of two phases are packed in one go.
 template <typename Sample>
-void PackPhase(const Sample* pixels, std::size_t width, std::size_t size, std::int16_t* pairs) {
-    kernels::PackPairs(pixels, width, pairs);
-    const std::size_t used = (width + 1) / 2 * kPairSize;
-    std::fill(pairs + used, pairs + size, std::int16_t{0});
+void PackPart(const ColumnPlan& plan, const Sample* row, std::size_t x, std::size_t count,
+              std::int16_t* pairs) {
+    kernels::PackPairs(row + x * kChannels, count, pairs + x / 2 * kPairSize);
+    if (plan.twoPhases) {
+        assert(x == 0);
+        kernels::PackPairs(row + kChannels, count - 1, pairs + plan.phaseSize);
+    }
 }
 
-template <typename Sample>
-void PackRow(const ColumnPlan& plan, const Sample* pixels, int width, std::int16_t* pairs) {
-    const auto count = static_cast<std::size_t>(width);
-    PackPhase(pixels, count, plan.phaseSize, pairs);
-    if (plan.twoPhases)
-        PackPhase(pixels + kChannels, count - 1, plan.phaseSize, pairs + plan.phaseSize);
+/// Rows of pairs for one call of the kernel. They start black, and stay so behind their last pixel.
+struct PairRows {
+    static std::size_t Room(const ColumnPlan& plan) {
+        return Scratch::Room<std::int16_t>(plan.rowSize * kMostRows);
+    }
+    PairRows(const ColumnPlan& plan, Scratch& scratch) {
+        const std::size_t size = plan.rowSize * kMostRows;
+        auto* first = scratch.Take<std::int16_t>(size);
+        std::fill_n(first, size, std::int16_t{0});
+        for (std::size_t i = 0; i < kMostRows; ++i) rows[i] = first + i * plan.rowSize;
+    }
+    std::int16_t* rows[kMostRows];
+};
+
+/// Makes as many rows of the target's width.
+template <typename Out>
+void SumPairs(const ColumnPlan& plan, const PairRows& pairs, int count, int shift,
+              Out* const* out) {
+    kernels::ColumnSum sum = plan.sum;
+    sum.shift = shift;
+    kernels::SumColumns(sum, pairs.rows, count, out);
 }
 
 /// The source rows under target row y; an odd number of taps names its last row twice.
@@ -122,86 +144,91 @@ void ListRows(const Job& job, int y, const std::uint8_t** rows) {
     if (job.down.taps < job.down.stride) rows[job.down.taps] = rows[job.down.taps - 1];
 }
 
-using RowList = const std::uint8_t*;
+/// The source rows under a few target rows in turn.
+class RowLists {
+  public:
+    static std::size_t Room(const Job& job) {
+        return Scratch::Room<const std::uint8_t*>(Listed(job) * kMostRows);
+    }
+    RowLists(const Job& job, Scratch& scratch)
+        : listed_(Listed(job)), rows_(scratch.Take<const std::uint8_t*>(listed_ * kMostRows)) {}
 
-/// Makes `count` rows from y on out of the source rows: `out[i]` takes the i-th.
-template <typename Out>
-void SumSourceRows(const Job& job, int y, int count, int shift, RowList* rows, Out* const* out) {
-    const auto taps = static_cast<std::size_t>(job.down.stride);
-    for (int i = 0; i < count; ++i) ListRows(job, y + i, rows + static_cast<std::size_t>(i) * taps);
-    const std::size_t bytes = job.source.Stride();
-    for (std::size_t begin = 0; begin < bytes; begin += kTile)
-        for (int i = 0; i < count; ++i)
-            kernels::SumRows({rows + static_cast<std::size_t>(i) * taps, job.down.Weights(y + i),
-                              job.down.stride, shift},
-                             begin, std::min(bytes, begin + kTile), out[i]);
-}
+    void Fill(const Job& job, int y, int count) {
+        for (int i = 0; i < count; ++i) ListRows(job, y + i, Row(i));
+    }
+    const std::uint8_t** Row(int i) { return rows_ + static_cast<std::size_t>(i) * listed_; }
+
+  private:
+    static std::size_t Listed(const Job& job) { return static_cast<std::size_t>(job.down.stride); }
+
+    std::size_t listed_;
+    const std::uint8_t** rows_;
+};
+
+/// The rows of the target that one step makes.
+struct TargetRows {
+    TargetRows(ImageView target, int y, int last) : count(std::min(kMostRows, last - y)) {
+        for (int i = 0; i < count; ++i) rows[i] = target.Row(y + i);
+    }
+    int count;
+    std::uint8_t* rows[kMostRows] = {};
+};
 
 bool DownOnly(const Job& job, int first, int last) {
-    const std::size_t listed = static_cast<std::size_t>(job.down.stride) * kMostRows;
-    Scratch scratch(Scratch::Room<RowList>(listed));
+    Scratch scratch(RowLists::Room(job));
     if (!scratch) return false;
-    auto* rows = scratch.Take<RowList>(listed);
+    RowLists lists(job, scratch);
+    const std::size_t bytes = job.source.Stride();
     for (int y = first; y < last; y += kMostRows) {
-        const int count = std::min(kMostRows, last - y);
-        std::uint8_t* out[kMostRows] = {};
-        for (int i = 0; i < count; ++i) out[i] = job.target.Row(y + i);
-        SumSourceRows(job, y, count, job.down.bits, rows, out);
+        const TargetRows out(job.target, y, last);
+        lists.Fill(job, y, out.count);
+        for (std::size_t begin = 0; begin < bytes; begin += kTile)
+            for (int i = 0; i < out.count; ++i)
+                kernels::SumRows(
+                    {lists.Row(i), job.down.Weights(y + i), job.down.stride, job.down.bits}, begin,
+                    std::min(bytes, begin + kTile), out.rows[i]);
     }
     return true;
 }
 
-/// Packs `count` rows into `pairs` and makes as many rows of the target's width.
-template <typename Sample, typename Out>
-void SumPackedRows(const Job& job, const Sample* const* rows, int count, int shift,
-                   std::int16_t* pairs, Out* const* out) {
-    const std::int16_t* packed[kMostRows] = {};
-    for (int i = 0; i < count; ++i) {
-        std::int16_t* row = pairs + static_cast<std::size_t>(i) * job.columns.rowSize;
-        PackRow(job.columns, rows[i], job.source.Width(), row);
-        packed[i] = row;
-    }
-    kernels::ColumnSum sum = job.columns.sum;
-    sum.shift = shift;
-    kernels::SumColumns(sum, packed, count, out);
-}
-
 bool AcrossOnly(const Job& job, int first, int last) {
-    const std::size_t packed = job.columns.rowSize * kMostRows;
-    Scratch scratch(Scratch::Room<std::int16_t>(packed));
+    Scratch scratch(PairRows::Room(job.columns));
     if (!scratch) return false;
-    auto* pairs = scratch.Take<std::int16_t>(packed);
+    const PairRows pairs(job.columns, scratch);
+    const auto width = static_cast<std::size_t>(job.source.Width());
     for (int y = first; y < last; y += kMostRows) {
-        const int count = std::min(kMostRows, last - y);
-        const std::uint8_t* rows[kMostRows] = {};
-        std::uint8_t* out[kMostRows] = {};
-        for (int i = 0; i < count; ++i) {
-            rows[i] = job.source.Row(y + i);
-            out[i] = job.target.Row(y + i);
-        }
-        SumPackedRows(job, rows, count, job.across.bits, pairs, out);
+        const TargetRows out(job.target, y, last);
+        for (int i = 0; i < out.count; ++i)
+            PackPart(job.columns, job.source.Row(y + i), 0, width, pairs.rows[i]);
+        SumPairs(job.columns, pairs, out.count, job.across.bits, out.rows);
     }
     return true;
 }
 
 /// For a picture that gets lower: few rows are left for the dearer axis.
 bool DownThenAcross(const Job& job, int first, int last) {
-    const std::size_t listed = static_cast<std::size_t>(job.down.stride) * kMostRows;
-    const std::size_t packed = job.columns.rowSize * kMostRows;
-    const std::size_t samples = job.source.Stride();
-    Scratch scratch(Scratch::Room<RowList>(listed) + Scratch::Room<std::int16_t>(packed) +
-                    Scratch::Room<std::int16_t>(samples) * kMostRows);
+    const std::size_t bytes = job.source.Stride();
+    Scratch scratch(RowLists::Room(job) + PairRows::Room(job.columns) +
+                    Scratch::Room<std::int16_t>(bytes));
     if (!scratch) return false;
-    auto* rows = scratch.Take<RowList>(listed);
-    auto* pairs = scratch.Take<std::int16_t>(packed);
-    std::int16_t* between[kMostRows];
-    for (auto& row : between) row = scratch.Take<std::int16_t>(samples);
+    RowLists lists(job, scratch);
+    const PairRows pairs(job.columns, scratch);
+    auto* between = scratch.Take<std::int16_t>(bytes);
+    const std::size_t tile = job.columns.twoPhases ? bytes : kTile;
+    const int shift = job.down.bits - job.fractionBits;
     for (int y = first; y < last; y += kMostRows) {
-        const int count = std::min(kMostRows, last - y);
-        std::uint8_t* out[kMostRows] = {};
-        for (int i = 0; i < count; ++i) out[i] = job.target.Row(y + i);
-        SumSourceRows(job, y, count, job.down.bits - job.fractionBits, rows, between);
-        SumPackedRows(job, between, count, job.across.bits + job.fractionBits, pairs, out);
+        const TargetRows out(job.target, y, last);
+        lists.Fill(job, y, out.count);
+        for (std::size_t begin = 0; begin < bytes; begin += tile) {
+            const std::size_t end = std::min(bytes, begin + tile);
+            for (int i = 0; i < out.count; ++i) {
+                kernels::SumRows({lists.Row(i), job.down.Weights(y + i), job.down.stride, shift},
+                                 begin, end, between);
+                PackPart(job.columns, between, begin / kChannels, (end - begin) / kChannels,
+                         pairs.rows[i]);
+            }
+        }
+        SumPairs(job.columns, pairs, out.count, job.across.bits + job.fractionBits, out.rows);
     }
     return true;
 }
@@ -217,44 +244,62 @@ int StepBack(const AxisWeights& axis) {
     return back;
 }
 
+/// The last few source rows, made as wide as the target.
+class WideRows {
+  public:
+    WideRows(const Job& job, int capacity)
+        : capacity_(capacity),
+          stride_(Scratch::Room<std::int16_t>(job.target.Stride() + 1) / sizeof(std::int16_t)) {}
+    std::size_t Room() const {
+        return Scratch::Room<std::int16_t>(stride_ * static_cast<std::size_t>(capacity_));
+    }
+    void Take(Scratch& scratch) {
+        rows_ = scratch.Take<std::int16_t>(stride_ * static_cast<std::size_t>(capacity_));
+    }
+    std::int16_t* Row(int y) const {
+        return rows_ + static_cast<std::size_t>(y % capacity_) * stride_;
+    }
+
+  private:
+    int capacity_;
+    std::size_t stride_;
+    std::int16_t* rows_ = nullptr;
+};
+
+/// Widens up to kMostRows source rows from y on, and says how many.
+int Widen(const Job& job, int y, const PairRows& pairs, const WideRows& wide) {
+    const int count = std::min(kMostRows, job.source.Height() - y);
+    std::int16_t* out[kMostRows] = {};
+    for (int i = 0; i < count; ++i) {
+        PackPart(job.columns, job.source.Row(y + i), 0,
+                 static_cast<std::size_t>(job.source.Width()), pairs.rows[i]);
+        out[i] = wide.Row(y + i);
+    }
+    SumPairs(job.columns, pairs, count, job.across.bits - job.fractionBits, out);
+    return count;
+}
+
 /// For a picture that gets higher: each source row is made wider once and waits in a ring until
 /// the last target row that needs it.
 bool AcrossThenDown(const Job& job, int first, int last) {
     const int taps = job.down.taps;
     const int back = StepBack(job.down);
-    const int ringRows = taps + back + kMostRows - 1;
-    const std::size_t packed = job.columns.rowSize * kMostRows;
-    const std::size_t samples = job.target.Stride();
     const auto listed = static_cast<std::size_t>(job.down.stride);
-    Scratch scratch(Scratch::Room<const std::int16_t*>(listed) +
-                    Scratch::Room<std::int16_t>(packed) +
-                    Scratch::Room<std::int16_t>(samples + 1) * static_cast<std::size_t>(ringRows));
+    WideRows wide(job, taps + back + kMostRows - 1);
+    Scratch scratch(PairRows::Room(job.columns) + Scratch::Room<const std::int16_t*>(listed) +
+                    wide.Room());
     if (!scratch) return false;
+    const PairRows pairs(job.columns, scratch);
     auto* rows = scratch.Take<const std::int16_t*>(listed);
-    auto* pairs = scratch.Take<std::int16_t>(packed);
-    auto* ring = scratch.Take<std::int16_t>(0);
-    const std::size_t ringStride = Scratch::Room<std::int16_t>(samples + 1) / sizeof(std::int16_t);
-    const auto ringRow = [&](int y) {
-        return ring + static_cast<std::size_t>(y % ringRows) * ringStride;
-    };
-    int made = std::max(0, job.down.First(first) - back);  // the next source row for the ring
+    wide.Take(scratch);
+    const int shift = job.down.bits + job.fractionBits;
+    int next = std::max(0, job.down.First(first) - back);  // source row that the ring takes next
     for (int y = first; y < last; ++y) {
         const int top = job.down.First(y);
-        while (made < top + taps) {
-            const int count = std::min(kMostRows, job.source.Height() - made);
-            const std::uint8_t* from[kMostRows] = {};
-            std::int16_t* to[kMostRows] = {};
-            for (int i = 0; i < count; ++i) {
-                from[i] = job.source.Row(made + i);
-                to[i] = ringRow(made + i);
-            }
-            SumPackedRows(job, from, count, job.across.bits - job.fractionBits, pairs, to);
-            made += count;
-        }
-        for (int k = 0; k < job.down.stride; ++k) rows[k] = ringRow(top + std::min(k, taps - 1));
-        kernels::SumRows(
-            {rows, job.down.Weights(y), job.down.stride, job.down.bits + job.fractionBits}, 0,
-            samples, job.target.Row(y));
+        while (next < top + taps) next += Widen(job, next, pairs, wide);
+        for (int k = 0; k < job.down.stride; ++k) rows[k] = wide.Row(top + std::min(k, taps - 1));
+        kernels::SumRows({rows, job.down.Weights(y), job.down.stride, shift}, 0,
+                         job.target.Stride(), job.target.Row(y));
     }
     return true;
 }

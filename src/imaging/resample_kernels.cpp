@@ -1,5 +1,6 @@
 #include "imaging/resample_kernels.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "imaging/resample_plain.h"
@@ -54,9 +55,13 @@ HWY_INLINE V32 AddPairs(D32 d32, V16 a, V16 b, V32 sum) {
 #endif
 }
 
-std::int32_t WeightPair(const std::int16_t* weights) {
-    return static_cast<std::int32_t>(static_cast<std::uint16_t>(weights[0])) |
-           static_cast<std::int32_t>(weights[1]) * 65536;
+// Two weights in neighbouring lanes, over and over.
+template <class D16>
+HWY_INLINE hn::Vec<D16> DupPair(D16 d16, const std::int16_t* weights) {
+    const hn::Repartition<std::int32_t, D16> d32;
+    std::int32_t pair;
+    std::memcpy(&pair, weights, sizeof pair);
+    return hn::BitCast(d16, hn::Set(d32, pair));
 }
 
 // Four sums of 32 bits for each four bytes of a vector: of bytes 0 2 4 6, 1 3 5 7, 8 10 12 14 and
@@ -110,37 +115,50 @@ HWY_INLINE void StoreSums(D8 /*d8*/, const ByteSums<V32>& sums, int shift, std::
                           d16, out);
 }
 
-// One vector of samples at x.
-template <typename Out>
+// kVectors vectors of samples from x on.
+template <int kVectors, typename Out>
 HWY_INLINE void SumBlock(const RowSum<std::uint8_t>& sum, std::size_t x, Out* out) {
     const hn::ScalableTag<std::uint8_t> d8;
     const hn::Repartition<std::int16_t, decltype(d8)> d16;
     const hn::Repartition<std::int32_t, decltype(d8)> d32;
+    const std::size_t lanes = hn::Lanes(d8);
     const auto half = hn::Set(d32, 1 << (sum.shift - 1));
-    ByteSums<decltype(hn::Zero(d32))> sums{half, half, half, half};
+    ByteSums<hn::Vec<decltype(d32)>> sums[kVectors];
+    for (auto& vector : sums) vector = {half, half, half, half};
     for (int k = 0; k < sum.taps; k += 2) {
-        const auto weights = hn::BitCast(d16, hn::Set(d32, WeightPair(sum.weights + k)));
-        AddTwoRows(d8, sum.rows[k] + x, sum.rows[k + 1] + x, weights, sums);
+        const auto weights = DupPair(d16, sum.weights + k);
+        const std::uint8_t* a = sum.rows[k] + x;
+        const std::uint8_t* b = sum.rows[k + 1] + x;
+        for (std::size_t i = 0; i < kVectors; ++i)
+            AddTwoRows(d8, a + i * lanes, b + i * lanes, weights, sums[i]);
     }
-    StoreSums(d8, sums, sum.shift, out + x);
+    for (std::size_t i = 0; i < kVectors; ++i)
+        StoreSums(d8, sums[i], sum.shift, out + x + i * lanes);
 }
 
+template <int kVectors>
 HWY_INLINE void SumBlock(const RowSum<std::int16_t>& sum, std::size_t x, std::uint8_t* out) {
     const hn::ScalableTag<std::int16_t> d16;
     const hn::Repartition<std::int32_t, decltype(d16)> d32;
     const hn::Rebind<std::uint8_t, decltype(d16)> d8;
+    const std::size_t lanes = hn::Lanes(d16);
     const auto half = hn::Set(d32, 1 << (sum.shift - 1));
-    auto low = half, high = half;
+    hn::Vec<decltype(d32)> low[kVectors], high[kVectors];
+    for (int i = 0; i < kVectors; ++i) low[i] = high[i] = half;
     for (int k = 0; k < sum.taps; k += 2) {
-        const auto weights = hn::BitCast(d16, hn::Set(d32, WeightPair(sum.weights + k)));
-        const auto a = hn::LoadU(d16, sum.rows[k] + x);
-        const auto b = hn::LoadU(d16, sum.rows[k + 1] + x);
-        low = AddPairs(d32, hn::InterleaveLower(d16, a, b), weights, low);
-        high = AddPairs(d32, hn::InterleaveUpper(d16, a, b), weights, high);
+        const auto weights = DupPair(d16, sum.weights + k);
+        for (std::size_t i = 0; i < kVectors; ++i) {
+            const auto a = hn::LoadU(d16, sum.rows[k] + x + i * lanes);
+            const auto b = hn::LoadU(d16, sum.rows[k + 1] + x + i * lanes);
+            low[i] = AddPairs(d32, hn::InterleaveLower(d16, a, b), weights, low[i]);
+            high[i] = AddPairs(d32, hn::InterleaveUpper(d16, a, b), weights, high[i]);
+        }
     }
-    const auto narrow = hn::ReorderDemote2To(d16, hn::ShiftRightSame(low, sum.shift),
-                                             hn::ShiftRightSame(high, sum.shift));
-    hn::StoreU(hn::DemoteTo(d8, narrow), d8, out + x);
+    for (std::size_t i = 0; i < kVectors; ++i) {
+        const auto narrow = hn::ReorderDemote2To(d16, hn::ShiftRightSame(low[i], sum.shift),
+                                                 hn::ShiftRightSame(high[i], sum.shift));
+        hn::StoreU(hn::DemoteTo(d8, narrow), d8, out + x + i * lanes);
+    }
 }
 
 template <typename Sample, typename Out>
@@ -148,9 +166,11 @@ void AddRows(const RowSum<Sample>& sum, std::size_t begin, std::size_t end, Out*
     const hn::ScalableTag<Sample> d;
     const std::size_t lanes = hn::Lanes(d);
     if (end - begin < lanes) return plain::SumRows(sum, begin, end, out);
+    constexpr int kVectors = 2;
     std::size_t x = begin;
-    for (; x + lanes <= end; x += lanes) SumBlock(sum, x, out);
-    if (x < end) SumBlock(sum, end - lanes, out);  // again, where it overlaps
+    for (; x + kVectors * lanes <= end; x += kVectors * lanes) SumBlock<kVectors>(sum, x, out);
+    for (; x + lanes <= end; x += lanes) SumBlock<1>(sum, x, out);
+    if (x < end) SumBlock<1>(sum, end - lanes, out);  // again, where it overlaps
 }
 
 void PackPairs8(const std::uint8_t* pixels, std::size_t width, std::int16_t* pairs) {
@@ -188,7 +208,9 @@ using Block16 = hn::Full128<std::int16_t>;
 using Block32 = hn::Full128<std::int32_t>;
 using Sums = hn::Vec<Block32>;
 
-// Adds the products of kBlocks pairs at a time to `sums`, and says how many pairs are done.
+// Adds the products of kBlocks pairs at a time to `sums`, and says how many pairs are done. Two are
+// best even where vectors hold four: the windows begin anywhere, and most loads of 64 bytes would
+// touch two cache lines.
 template <int kBlocks, int kRows>
 HWY_INLINE int AddBlocks(const std::int16_t* const* pairs, std::size_t offset,
                          const std::int16_t* weights, int done, int count, Sums* sums) {
@@ -204,14 +226,7 @@ HWY_INLINE int AddBlocks(const std::int16_t* const* pairs, std::size_t offset,
             wide[row] = AddPairs(d32, hn::LoadU(d16, pairs[row] + offset + at), weight, wide[row]);
     }
     for (int row = 0; row < kRows; ++row) {
-        if constexpr (kBlocks == 4) {
-            const hn::Half<decltype(d32)> d32Half;
-            const hn::Half<decltype(d32Half)> d32Quarter;
-            const auto half =
-                hn::Add(hn::LowerHalf(d32Half, wide[row]), hn::UpperHalf(d32Half, wide[row]));
-            sums[row] = hn::Add(sums[row], hn::Add(hn::LowerHalf(d32Quarter, half),
-                                                   hn::UpperHalf(d32Quarter, half)));
-        } else if constexpr (kBlocks == 2) {
+        if constexpr (kBlocks == 2) {
             const hn::Half<decltype(d32)> d32Half;
             sums[row] = hn::Add(sums[row], hn::Add(hn::LowerHalf(d32Half, wide[row]),
                                                    hn::UpperHalf(d32Half, wide[row])));
@@ -234,8 +249,12 @@ HWY_INLINE void StorePixels(const Sums* sums, int shift, std::size_t x, std::uin
     const auto second = hn::DemoteTo(d8Half, hn::ReorderDemote2To(d16, at(2), at(3)));
     alignas(16) std::uint8_t pixels[16];
     hn::Store(hn::Combine(d8, second, first), d8, pixels);
-    for (int row = 0; row < kRows; ++row)
-        std::memcpy(out[row] + 3 * x, pixels + 4 * row, last ? 3 : 4);
+    for (int row = 0; row < kRows; ++row) {
+        if (last)
+            std::memcpy(out[row] + 3 * x, pixels + 4 * row, 3);
+        else
+            std::memcpy(out[row] + 3 * x, pixels + 4 * row, 4);
+    }
 }
 
 template <int kRows>
@@ -247,29 +266,28 @@ HWY_INLINE void StorePixels(const Sums* sums, int shift, std::size_t x, std::int
 }
 
 template <int kRows, typename Out>
-HWY_INLINE void SumPixel(const ColumnSum& sum, const std::int16_t* const* pairs, int x,
-                         Out* const* out, bool last) {
-    Sums sums[kRows];
-    for (int row = 0; row < kRows; ++row) sums[row] = hn::Set(Block32(), 1 << (sum.shift - 1));
-    const auto position = static_cast<std::size_t>(x);
-    const auto offset = static_cast<std::size_t>(sum.offsets[x]);
-    const std::int16_t* weights =
-        sum.weights + position * static_cast<std::size_t>(sum.pairCount) * kPairSize;
-    int done = 0;
-#if HWY_MAX_BYTES >= 64
-    done = AddBlocks<4, kRows>(pairs, offset, weights, done, sum.pairCount, sums);
-#endif
-#if HWY_MAX_BYTES >= 32
-    done = AddBlocks<2, kRows>(pairs, offset, weights, done, sum.pairCount, sums);
-#endif
-    AddBlocks<1, kRows>(pairs, offset, weights, done, sum.pairCount, sums);
-    StorePixels<kRows>(sums, sum.shift, position, out, last);
-}
-
-template <int kRows, typename Out>
 void SumAllPixels(const ColumnSum& sum, const std::int16_t* const* pairs, Out* const* out) {
-    for (int x = 0; x + 1 < sum.width; ++x) SumPixel<kRows>(sum, pairs, x, out, false);
-    SumPixel<kRows>(sum, pairs, sum.width - 1, out, true);
+    // Copies, which the compiler keeps in registers: bytes that are stored might be anything else.
+    const int width = sum.width, pairCount = sum.pairCount, shift = sum.shift;
+    const std::int32_t* const offsets = sum.offsets;
+    const std::int16_t* weights = sum.weights;
+    const std::int16_t* from[kRows];
+    Out* to[kRows];
+    std::copy_n(pairs, kRows, from);
+    std::copy_n(out, kRows, to);
+    const std::size_t step = static_cast<std::size_t>(pairCount) * kPairSize;
+    const auto half = hn::Set(Block32(), 1 << (shift - 1));
+    for (int x = 0; x < width; ++x, weights += step) {
+        Sums sums[kRows];
+        for (auto& row : sums) row = half;
+        const auto offset = static_cast<std::size_t>(offsets[x]);
+        int done = 0;
+#if HWY_MAX_BYTES >= 32
+        done = AddBlocks<2, kRows>(from, offset, weights, done, pairCount, sums);
+#endif
+        AddBlocks<1, kRows>(from, offset, weights, done, pairCount, sums);
+        StorePixels<kRows>(sums, shift, static_cast<std::size_t>(x), to, x + 1 == width);
+    }
 }
 
 template <typename Out>
