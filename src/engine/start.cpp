@@ -1,38 +1,36 @@
 #include "engine/start.h"
 
+#include <ctime>
+
 #include "imaging/pixel_buffer.h"
-#include "platform/environment.h"
-#include "platform/paths.h"
 #include "script/templates.h"
 #include "script/script_file.h"
+#include "settings/settings_store.h"
 
 namespace lumo::engine {
 namespace {
 
-constexpr std::size_t kLongestCaption = 30;
-
-std::string CaptionOf(const std::string& path) {
-    const std::string title = platform::GetFileTitle(path);
-    std::string caption = "Script name: " + title;
-    return caption.size() > kLongestCaption ? title : caption;
-}
-
-std::string StartDefault(const CLumoscriptView& view) {
-    const auto found = view.settings.commandDefaults.find("STARTDef");
+std::string DefaultOf(const CLumoscriptView& view, std::string_view key) {
+    const auto found = view.settings.commandDefaults.find(key);
     return found == view.settings.commandDefaults.end() ? std::string() : found->second;
 }
 
 }  // namespace
 
-void StartView(CLumoscriptView& view, SettingsFile) {
-    settings::Settings& settings = view.settings;
-    settings.installFolder = platform::InstallFolder();
-    const std::string data = platform::DocumentsFolder() + "/Lumoscript";
-    settings.folders.logs = data + "/Logs";
-    settings.folders.temp = data + "/Temp";
-    settings.folders.scripts = data + "/Scripts";
-    settings.folders.subroutines = data + "/Subroutines";
+void StartView(CLumoscriptView& view, SettingsFile settingsFile) {
+    const auto access = settingsFile == SettingsFile::ReadOnly
+                            ? settings::StoreAccess::ReadOnly
+                            : settings::StoreAccess::ReadAndWrite;
+    for (const std::string& message :
+         settings::OpenSettings(view.settings, access, std::time(nullptr)))
+        view.ui.Notice(message);
+    if (view.settings.memoryBudgetMegabytes > 0)
+        imaging::SetMemoryBudget(static_cast<std::size_t>(view.settings.memoryBudgetMegabytes)
+                                 << 20);
+    view.run.showEachImage = view.settings.showEachImage;
     view.random.Seed(2);
+    view.script.commands =
+        script::NewScript(DefaultOf(view, "STARTDef"), DefaultOf(view, "OutlocDef"));
 }
 
 bool OpenScript(CLumoscriptView& view, const std::string& path) {
@@ -44,10 +42,10 @@ bool OpenScript(CLumoscriptView& view, const std::string& path) {
             "Unable to find or open named Lumoscript script file (.whs), check file path?");
         return false;
     }
-    script::EnsureMarkers(loaded, StartDefault(view));
+    script::EnsureMarkers(loaded, DefaultOf(view, "STARTDef"));
     view.script.commands = std::move(loaded);
     view.script.path = path;
-    view.script.caption = CaptionOf(path);
+    view.script.caption = script::ScriptCaption(platform::GetFileTitle(path));
     view.script.hasFile = true;
     view.script.modified = false;
     view.ui.SelectCommand(0);
