@@ -1,0 +1,86 @@
+#include "imaging/flip.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "imaging/parallel.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "imaging/flip.cpp"
+#include <hwy/foreach_target.h>
+// foreach_target.h comes first.
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace lumo::imaging::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+#if HWY_TARGET != HWY_SCALAR
+
+template <class D>
+HWY_INLINE hn::Vec<D> ReverseBytes(D d, hn::Vec<D> v) {
+    alignas(16) static constexpr std::uint8_t kOrder[16] = {15, 14, 13, 12, 11, 10, 9, 8,
+                                                            7,  6,  5,  4,  3,  2,  1, 0};
+    return hn::ReverseBlocks(d, hn::TableLookupBytes(v, hn::LoadDup128(d, kOrder)));
+}
+
+#endif
+
+// Swaps a vector of pixels of either end, reversed, until less than two are left in the middle.
+void ReverseRow(std::uint8_t* row, std::size_t width) {
+    std::size_t left = 0, right = width;
+#if HWY_TARGET != HWY_SCALAR
+    const hn::ScalableTag<std::uint8_t> d;
+    const std::size_t lanes = hn::Lanes(d);
+    for (; right - left >= 2 * lanes; left += lanes, right -= lanes) {
+        std::uint8_t* a = row + left * kChannels;
+        std::uint8_t* b = row + (right - lanes) * kChannels;
+        hn::Vec<decltype(d)> red, green, blue, redRight, greenRight, blueRight;
+        hn::LoadInterleaved3(d, a, red, green, blue);
+        hn::LoadInterleaved3(d, b, redRight, greenRight, blueRight);
+        hn::StoreInterleaved3(ReverseBytes(d, redRight), ReverseBytes(d, greenRight),
+                              ReverseBytes(d, blueRight), d, a);
+        hn::StoreInterleaved3(ReverseBytes(d, red), ReverseBytes(d, green), ReverseBytes(d, blue),
+                              d, b);
+    }
+#endif
+    for (; right - left >= 2; ++left, --right)
+        std::swap_ranges(row + left * kChannels, row + (left + 1) * kChannels,
+                         row + (right - 1) * kChannels);
+}
+
+}  // namespace lumo::imaging::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace lumo::imaging {
+
+HWY_EXPORT(ReverseRow);
+
+void FlipHorizontal(ImageView image) {
+    const auto width = static_cast<std::size_t>(image.Width());
+    ForRows(image.Height(), 2 * image.Stride(), [&](int first, int last) {
+        for (int y = first; y < last; ++y) HWY_DYNAMIC_DISPATCH(ReverseRow)(image.Row(y), width);
+    });
+}
+
+void FlipVertical(ImageView image) {
+    constexpr std::size_t kBlock = 4096;
+    const std::size_t bytes = image.Stride();
+    ForRows(image.Height() / 2, 4 * bytes, [&](int first, int last) {
+        std::uint8_t block[kBlock];
+        for (int y = first; y < last; ++y) {
+            std::uint8_t* above = image.Row(y);
+            std::uint8_t* below = image.Row(image.Height() - 1 - y);
+            for (std::size_t at = 0; at < bytes; at += kBlock) {
+                const std::size_t count = std::min(kBlock, bytes - at);
+                std::memcpy(block, above + at, count);
+                std::memcpy(above + at, below + at, count);
+                std::memcpy(below + at, block, count);
+            }
+        }
+    });
+}
+
+}  // namespace lumo::imaging
+#endif  // HWY_ONCE

@@ -1,0 +1,71 @@
+#include "imaging/compose.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+
+#include "support/test_images.h"
+
+namespace lumo::imaging {
+namespace {
+
+constexpr Rgb kGround{10, 20, 30};
+constexpr Rgb kInk{200, 100, 50};
+
+bool IsInside(int x, int y, Rect rect) {
+    return x >= rect.left && x < rect.right && y >= rect.top && y < rect.bottom;
+}
+
+TEST(FillSolidRect, FillsWhatLiesInside) {
+    for (const Rect rect :
+         {Rect{0, 0, 13, 9}, Rect{2, 3, 7, 4}, Rect{-5, -5, 3, 2}, Rect{12, 8, 40, 40},
+          Rect{3, 3, 3, 8}, Rect{8, 3, 3, 8}, Rect{20, 0, 30, 9}, Rect{-9, 0, 0, 9},
+          Rect{INT_MIN, INT_MIN, INT_MAX, INT_MAX}}) {
+        Image image = test::FlatImage({13, 9}, kGround);
+        FillSolidRect(image.View(), rect, kInk);
+        for (int y = 0; y < 9; ++y)
+            for (int x = 0; x < 13; ++x)
+                EXPECT_EQ(image.View().Pixel(x, y), IsInside(x, y, rect) ? kInk : kGround)
+                    << x << ", " << y << " of " << rect.left;
+    }
+}
+
+TEST(OverlayImage, CopiesWhatFallsInside) {
+    const Image source = test::CoordinateImage({6, 5}, {100, 150});
+    for (const auto& [left, top] : {std::pair{0, 0},
+                                    {3, 2},
+                                    {-2, -3},
+                                    {9, 6},
+                                    {-6, 0},
+                                    {0, -5},
+                                    {13, 0},
+                                    {0, 9},
+                                    {12, 8},
+                                    {INT_MAX, INT_MAX},
+                                    {INT_MIN, INT_MIN},
+                                    {-5, 8}}) {
+        Image image = test::FlatImage({13, 9}, kGround);
+        OverlayImage(image.View(), source.View(), left, top);
+        for (int y = 0; y < 9; ++y)
+            for (int x = 0; x < 13; ++x) {
+                const long long fromX = static_cast<long long>(x) - left;
+                const long long fromY = static_cast<long long>(y) - top;
+                const bool covered = fromX >= 0 && fromX < 6 && fromY >= 0 && fromY < 5;
+                const Rgb expected =
+                    covered ? source.View().Pixel(static_cast<int>(fromX), static_cast<int>(fromY))
+                            : kGround;
+                EXPECT_EQ(image.View().Pixel(x, y), expected)
+                    << x << ", " << y << " at " << left << ", " << top;
+            }
+    }
+}
+
+TEST(OverlayImage, ASourceLargerThanTheDestinationCoversIt) {
+    const Image source = test::CoordinateImage({40, 30});
+    Image image = test::FlatImage({13, 9}, kGround);
+    OverlayImage(image.View(), source.View(), -4, -7);
+    EXPECT_TRUE(test::SamePixels(image, test::CoordinateImage({13, 9}, {4, 7})));
+}
+
+}  // namespace
+}  // namespace lumo::imaging
