@@ -8,6 +8,8 @@ find_package(GIF REQUIRED)
 find_package(fmt REQUIRED)
 find_package(CLI11 REQUIRED)
 pkg_check_modules(LIBRAW REQUIRED IMPORTED_TARGET libraw_r)
+# The library links its OpenMP run time itself; clang would look for another one.
+set_target_properties(PkgConfig::LIBRAW PROPERTIES INTERFACE_COMPILE_OPTIONS "" INTERFACE_LINK_OPTIONS "")
 pkg_check_modules(EXIV2 REQUIRED IMPORTED_TARGET exiv2)
 pkg_check_modules(PANGO REQUIRED IMPORTED_TARGET pangocairo pangoft2)
 pkg_check_modules(RSVG REQUIRED IMPORTED_TARGET librsvg-2.0)

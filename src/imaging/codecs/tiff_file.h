@@ -43,8 +43,11 @@ class TiffFile {
   private:
     TiffFile() = default;
     void Start(const char* mode, std::size_t maxAllocation);
-    static int OnError(TIFF*, void* self, const char* module, const char* format, va_list);
-    static int OnWarning(TIFF*, void* self, const char* module, const char* format, va_list);
+    __attribute__((format(printf, 4, 0))) static int OnError(TIFF*, void* self, const char* module,
+                                                             const char* format, va_list);
+    __attribute__((format(printf, 4, 0))) static int OnWarning(TIFF*, void* self,
+                                                               const char* module,
+                                                               const char* format, va_list);
     tmsize_t Read(void* target, tmsize_t count);
     tmsize_t Write(const void* source, tmsize_t count) noexcept;
     toff_t Seek(toff_t offset, int whence);

@@ -1,0 +1,241 @@
+#include "imaging/codecs/tiff_reader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "imaging/codecs/decoders.h"
+#include "imaging/last_error.h"
+
+namespace lumo::imaging::codecs {
+
+using platform::Error;
+
+std::string TiffReader::ChooseType() {
+    type_.bits = header_.bits;
+    switch (header_.format) {
+        case SAMPLEFORMAT_UINT:
+        case SAMPLEFORMAT_VOID:
+            type_.kind = SampleKind::Unsigned;
+            break;
+        case SAMPLEFORMAT_INT:
+            type_.kind = SampleKind::Signed;
+            break;
+        case SAMPLEFORMAT_IEEEFP:
+            type_.kind = SampleKind::Float;
+            break;
+        default:
+            return fmt::format("0: samples of format {}", header_.format);
+    }
+    if (type_.kind == SampleKind::Float) {
+        if (type_.bits != 16 && type_.bits != 32 && type_.bits != 64)
+            return fmt::format("0: {}-bit float samples", type_.bits);
+    } else if (type_.bits < 1 || type_.bits > 32) {
+        return fmt::format("0: {}-bit samples", type_.bits);
+    }
+    return {};
+}
+
+std::string TiffReader::ChooseColours() {
+    switch (header_.photometric) {
+        case PHOTOMETRIC_MINISWHITE:
+            layout_.colours = SampleColours::InvertedGrey;
+            return {};
+        case PHOTOMETRIC_MINISBLACK:
+        case PHOTOMETRIC_MASK:
+            layout_.colours = SampleColours::Grey;
+            return {};
+        case PHOTOMETRIC_RGB:
+            layout_.colours = SampleColours::Rgb;
+            return {};
+        case PHOTOMETRIC_PALETTE:
+            return ReadPalette();
+        case PHOTOMETRIC_SEPARATED:
+            if (file_.Field<std::uint16_t>(TIFFTAG_INKSET, INKSET_CMYK) != INKSET_CMYK)
+                return "0: inks other than CMYK";
+            layout_.colours = SampleColours::Cmyk;
+            return {};
+        case PHOTOMETRIC_CIELAB:
+        case PHOTOMETRIC_ICCLAB:
+            if (type_.kind == SampleKind::Float || (type_.bits != 8 && type_.bits != 16))
+                return fmt::format("0: Lab of {} bits", type_.bits);
+            layout_.colours = SampleColours::Lab;
+            signedLab_ = header_.photometric == PHOTOMETRIC_CIELAB;
+            type_.kind = SampleKind::Unsigned;
+            return {};
+        default:
+            return fmt::format("0: photometric interpretation {}", header_.photometric);
+    }
+}
+
+std::string TiffReader::ReadPalette() {
+    std::uint16_t *red = nullptr, *green = nullptr, *blue = nullptr;
+    if (type_.kind == SampleKind::Float || type_.bits > 16)
+        return fmt::format("0: palette indices of {} bits", type_.bits);
+    if (TIFFGetField(file_.Handle(), TIFFTAG_COLORMAP, &red, &green, &blue) != 1)
+        return "TIF: the palette is missing";
+    const std::size_t entries = std::size_t{1} << type_.bits;
+    // Some writers store 8-bit values; then no entry is above 255.
+    std::uint16_t largest = 0;
+    for (std::size_t i = 0; i < entries; ++i)
+        largest = std::max({largest, red[i], green[i], blue[i]});
+    const auto byte = [largest](std::uint16_t v) {
+        return largest < 256 ? static_cast<std::uint8_t>(v) : Round16To8(v);
+    };
+    for (std::size_t i = 0; i < entries; ++i)
+        palette_.push_back({byte(red[i]), byte(green[i]), byte(blue[i])});
+    layout_.colours = SampleColours::Grey;  // one channel
+    return {};
+}
+
+// The first extra sample that says so is alpha. RGB with a fourth sample of which nothing is said
+// is taken as premultiplied, as libtiff does; a sample marked as unspecified is none.
+void TiffReader::ChooseAlpha(int colourChannels) {
+    usedChannels_ = colourChannels;
+    for (std::size_t i = 0; i < header_.extra.size() && layout_.alpha == AlphaKind::None; ++i) {
+        if (header_.extra[i] == EXTRASAMPLE_ASSOCALPHA) layout_.alpha = AlphaKind::Premultiplied;
+        if (header_.extra[i] == EXTRASAMPLE_UNASSALPHA) layout_.alpha = AlphaKind::Straight;
+        layout_.alphaChannel = colourChannels + static_cast<int>(i);
+    }
+    if (header_.extra.empty() && header_.samples == 4 && layout_.colours == SampleColours::Rgb) {
+        layout_.alpha = AlphaKind::Premultiplied;
+        layout_.alphaChannel = 3;
+    }
+    if (layout_.alphaChannel >= header_.samples) layout_.alpha = AlphaKind::None;
+    if (layout_.alpha != AlphaKind::None) usedChannels_ = layout_.alphaChannel + 1;
+}
+
+std::string TiffReader::Prepare() {
+    if (std::string refusal = ChooseType(); !refusal.empty()) return refusal;
+    if (std::string refusal = ChooseColours(); !refusal.empty()) return refusal;
+    const int colours = ColourChannels(layout_.colours);
+    if (header_.samples < colours)
+        return fmt::format("0: {} samples a pixel, {} needed", header_.samples, colours);
+    if (TIFFIsCODECConfigured(header_.compression) == 0)
+        return fmt::format("0: compression scheme {}", header_.compression);
+    ChooseAlpha(colours);
+    layout_.channels = header_.planar ? usedChannels_ : header_.samples;
+    return {};
+}
+
+/// Rows of the file that are rows of the picture already.
+bool TiffReader::IsDirect() const {
+    return layout_.colours == SampleColours::Rgb && header_.samples == 3 && !header_.planar &&
+           !header_.tiled && type_.bits == 8 && type_.kind == SampleKind::Unsigned;
+}
+
+std::string TiffReader::TryAllocateChunks(const DecodeLimits& limits) {
+    const std::int64_t sampleBytes = (header_.bits + 7) / 8;
+    const std::int64_t pixelBytes = sampleBytes * (header_.planar ? Planes() : header_.samples);
+    if (std::string refusal =
+            RefuseSize(header_.chunkWidth, header_.chunkHeight, pixelBytes, limits);
+        !refusal.empty())
+        return refusal;
+    TIFF* tiff = file_.Handle();
+    const tmsize_t bytes = header_.tiled ? TIFFTileSize(tiff) : TIFFStripSize(tiff);
+    const tmsize_t rowBytes = header_.tiled ? TIFFTileRowSize(tiff) : TIFFScanlineSize(tiff);
+    const auto bitsPerRow = static_cast<std::uint64_t>(header_.chunkWidth) *
+                            static_cast<std::uint64_t>(header_.bits) *
+                            static_cast<std::uint64_t>(header_.planar ? 1 : header_.samples);
+    if (bytes <= 0 || rowBytes <= 0 || static_cast<std::uint64_t>(rowBytes) * 8 < bitsPerRow ||
+        static_cast<std::uint64_t>(bytes) <
+            static_cast<std::uint64_t>(rowBytes) * header_.chunkHeight)
+        return fmt::format(
+            "TIF: {}", file_.Failure().empty() ? "rows of an impossible size" : file_.Failure());
+    chunkBytes_ = static_cast<std::size_t>(bytes);
+    chunkRowBytes_ = static_cast<std::size_t>(rowBytes);
+    chunks_ = PixelBuffer::TryAllocate(chunkBytes_ * static_cast<std::size_t>(Planes()));
+    if (!chunks_) return LastError();
+    pixels_.resize(static_cast<std::size_t>(header_.chunkWidth) *
+                   static_cast<std::size_t>(layout_.channels));
+    return {};
+}
+
+/// Decodes the strip or tile that holds the pixel; what is missing of it counts as failure.
+bool TiffReader::ReadChunk(std::uint32_t x, std::uint32_t y, int plane, std::uint8_t* target,
+                           std::size_t bytes) {
+    TIFF* tiff = file_.Handle();
+    const auto sample = static_cast<std::uint16_t>(plane);
+    const auto size = static_cast<tmsize_t>(bytes);
+    const tmsize_t got =
+        header_.tiled
+            ? TIFFReadEncodedTile(tiff, TIFFComputeTile(tiff, x, y, 0, sample), target, size)
+            : TIFFReadEncodedStrip(tiff, TIFFComputeStrip(tiff, y, sample), target, size);
+    return got == size;
+}
+
+bool TiffReader::ReadStripsInto(ImageView image) {
+    for (std::uint32_t y = 0; y < header_.height; y += header_.chunkHeight) {
+        const std::uint32_t rows = std::min(header_.chunkHeight, header_.height - y);
+        if (!ReadChunk(0, y, 0, image.Row(static_cast<int>(y)), rows * image.Stride()))
+            return false;
+    }
+    return true;
+}
+
+void TiffReader::ConvertPaletteRow(const std::uint8_t* row, int count, std::uint8_t* rgb) const {
+    const auto step = static_cast<std::size_t>(header_.planar ? 1 : header_.samples);
+    for (int i = 0; i < count; ++i, rgb += kChannels) {
+        const std::size_t at = static_cast<std::size_t>(i) * step;
+        const Rgb colour = palette_[IndexAt(row, type_.bits, at)];
+        rgb[0] = colour.red;
+        rgb[1] = colour.green;
+        rgb[2] = colour.blue;
+    }
+}
+
+void TiffReader::ConvertRow(std::uint32_t rowInChunk, int count, std::uint8_t* rgb) {
+    const std::uint8_t* row = chunks_.Data() + rowInChunk * chunkRowBytes_;
+    if (!palette_.empty()) return ConvertPaletteRow(row, count, rgb);
+    const auto channels = static_cast<std::size_t>(layout_.channels);
+    if (!header_.planar && type_.bits == 8 && type_.kind == SampleKind::Unsigned && !signedLab_)
+        return PixelsToRgb(row, layout_, count, rgb);
+    for (int channel = 0; channel < usedChannels_; ++channel) {
+        const auto c = static_cast<std::size_t>(channel);
+        SampleType type = type_;
+        if (signedLab_ && (channel == 1 || channel == 2)) type.kind = SampleKind::Signed;
+        const std::uint8_t* plane = row + (header_.planar ? c * chunkBytes_ : 0);
+        UnpackSamples(plane, type, header_.planar ? 0 : c, header_.planar ? 1 : channels, count,
+                      pixels_.data() + c, channels);
+    }
+    PixelsToRgb(pixels_.data(), layout_, count, rgb);
+}
+
+bool TiffReader::ReadChunksInto(ImageView image) {
+    for (std::uint32_t y = 0; y < header_.height; y += header_.chunkHeight) {
+        const std::uint32_t rows = std::min(header_.chunkHeight, header_.height - y);
+        // The last strip ends with the picture, tiles are always whole.
+        const std::size_t bytes = header_.tiled ? chunkBytes_ : rows * chunkRowBytes_;
+        for (std::uint32_t x = 0; x < header_.width; x += header_.chunkWidth) {
+            for (int plane = 0; plane < Planes(); ++plane)
+                if (!ReadChunk(x, y, plane,
+                               chunks_.Data() + static_cast<std::size_t>(plane) * chunkBytes_,
+                               bytes))
+                    return false;
+            const auto columns = static_cast<int>(std::min(header_.chunkWidth, header_.width - x));
+            for (std::uint32_t row = 0; row < rows; ++row)
+                ConvertRow(row, columns, image.At(static_cast<int>(x), static_cast<int>(y + row)));
+        }
+    }
+    return true;
+}
+
+Result<Image> TiffReader::Read(const DecodeLimits& limits) {
+    if (std::string refusal = RefuseSize(header_.width, header_.height, kChannels, limits);
+        !refusal.empty())
+        return Error{refusal};
+    const bool direct = IsDirect();
+    if (!direct)
+        if (std::string refusal = TryAllocateChunks(limits); !refusal.empty())
+            return Error{refusal};
+    auto image =
+        Image::TryCreate({static_cast<int>(header_.width), static_cast<int>(header_.height)});
+    if (!image) return Error{LastError()};
+    const bool whole = direct ? ReadStripsInto(image->View()) : ReadChunksInto(image->View());
+    if (!whole)
+        return Error{fmt::format(
+            "TIF: {}", file_.Failure().empty() ? "the file ends too early" : file_.Failure())};
+    return std::move(*image);
+}
+
+}  // namespace lumo::imaging::codecs
