@@ -3,8 +3,9 @@
 #include <ctime>
 
 #include "imaging/pixel_buffer.h"
-#include "script/templates.h"
+#include "platform/paths.h"
 #include "script/script_file.h"
+#include "script/templates.h"
 #include "settings/settings_store.h"
 
 namespace lumo::engine {
