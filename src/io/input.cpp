@@ -100,7 +100,8 @@ bool LoadWorkingImage(CLumoscriptView& view, const std::string& path) {
     view.metadata.jpgInput = codecs::ReadJpegMarkers(*bytes);
     view.metadata.pngInput = codecs::ReadPngTexts(*bytes);
     if (!decoded->warning.empty())
-        ReportImage(view, " Image file is damaged: " + platform::Printable(decoded->warning));
+        ReportImage(view,
+                    " Warning - image file is damaged: " + platform::Printable(decoded->warning));
     return true;
 }
 

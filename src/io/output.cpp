@@ -160,7 +160,8 @@ bool OutputFolderLeftOpen(std::string_view params) {
 
 int WriteMainImage(CLumoscriptView& view, const std::string& path) {
     const Written written = WritePicture(view, view.working.main.View(), path);
-    if (written == Written::NotOpened) {
+    // The logs on disk are those of the last run; a test on the sample leaves them alone.
+    if (written == Written::NotOpened && view.run.batchRunning) {
         LogBlock(view, "Save file", "File write", "Unable to open file.");
         SaveLogs(view);
     }

@@ -35,8 +35,8 @@ bool OutputFolderLeftOpen(std::string_view params);
 /// Writes the working image in the format that the last four characters of the path tell, with
 /// the writer settings of the view. Non-zero on success. The file appears whole or not at all: a
 /// failure leaves an older one as it was. An extension without a writer gives 0 and leaves an
-/// empty file where none stood. A file that cannot be written at all is logged as "Unable to open
-/// file." and both logs are saved.
+/// empty file where none stood. In a batch run, a file that cannot be written at all is logged as
+/// "Unable to open file." and both logs are saved.
 int WriteMainImage(engine::CLumoscriptView& view, const std::string& path);
 
 /// The same for any picture of the sample panes; nothing is logged.

@@ -2,7 +2,6 @@
 
 #include <array>
 
-#include "imaging/geometry.h"
 #include "io/input.h"
 #include "io/output.h"
 #include "io/output_path.h"
@@ -71,8 +70,13 @@ std::string PanelOf(const Fields& fields) {
 }
 
 /// A warning or error of the saving. These two look at the setting of Error.log alone: an
-/// unattended run that forces the log on does not bring them into it.
-void LogNoOutput(CLumoscriptView& view, const std::string& path, std::string_view text) {
+/// unattended run that forces the log on does not bring them into it. A test on the sample has no
+/// logs; whoever started it is there to be told.
+void ReportNoOutput(CLumoscriptView& view, const std::string& path, std::string_view text) {
+    if (!view.run.batchRunning) {
+        view.ui.ShowMessage(std::string(text).append("\n").append(platform::Printable(path)));
+        return;
+    }
     const int number = ImageInHand(view);
     if (BatchErrorsOn(view)) LogBatchError(view, number, names::kOutputSetup, path, text);
     if (view.settings.logs.errorLog) LogErrorBlock(view, number, names::kOutputSetup, path, text);
@@ -81,7 +85,7 @@ void LogNoOutput(CLumoscriptView& view, const std::string& path, std::string_vie
 
 Outcome SaveFailed(CLumoscriptView& view, const std::string& path) {
     ++view.run.errorCount;
-    LogNoOutput(view, path, "Error:1004 Cmd_63 - Save file failure");
+    ReportNoOutput(view, path, "Error:1004 Cmd_63 - Save file failure");
     ShowCounts(view);
     return Outcome::Succeeded;  // the run goes on and counts the error, no failed command
 }
@@ -89,11 +93,13 @@ Outcome SaveFailed(CLumoscriptView& view, const std::string& path) {
 Outcome WriteTo(CLumoscriptView& view, const std::string& path, bool overwrite) {
     if (!overwrite && platform::GetFileStatus(path)) {
         ++view.run.warningCount;
-        LogNoOutput(view, path,
-                    "Warning:101 - Output file exists, Output setup command set for no overwrite");
+        ReportNoOutput(
+            view, path,
+            "Warning:101 - Output file exists, Output setup command set for no overwrite");
         return Outcome::Succeeded;
     }
     if (WriteMainImage(view, path) == 0) return SaveFailed(view, path);
+    if (!view.run.batchRunning) return Outcome::Succeeded;
     ++view.run.statOutputs;
     const int number = view.run.imageIndex + 1;
     if (BatchLogOn(view) && view.settings.logs.outputName) LogOutput(view, number, path);

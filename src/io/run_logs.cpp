@@ -10,7 +10,6 @@
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/paths.h"
-#include "script/names.h"
 
 namespace lumo::io {
 namespace {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 #include "io/panel_text.h"
 #include "script/names.h"
@@ -102,6 +103,15 @@ Fields ParseStartParams(std::string_view params) {
     }
     if (!current) fields.Set(start::kSubfolders, "0");
     return fields;
+}
+
+std::string BuildStartParams(std::span<const std::string> texts) {
+    std::vector<std::string> fields(texts.begin(), texts.end());
+    fields.resize(start::kFieldCount);
+    std::string& folder = fields[start::kFolderPath];
+    if (folder.size() > 1 && (folder.ends_with('\\') || folder.ends_with('/'))) folder.pop_back();
+    if (fields[start::kSubfolders].empty()) fields[start::kSubfolders] = "0";
+    return BuildParams(kFields, fields);
 }
 
 bool FiltersActive(const Fields& fields) {

@@ -3,6 +3,8 @@
 // "START image loop (setup)": its fields, dialog and panel. The run loop itself knows the command
 // by name, so it has no handler.
 
+#include <span>
+#include <string>
 #include <string_view>
 
 #include "engine/command.h"
@@ -52,6 +54,10 @@ inline constexpr std::string_view kFromList = "1";  // of kLocation; "0" at run 
 /// Reads a START parameter string of any age: strings with a count of "31" have no subfolder
 /// field (it reads as "0"), others but "32" lack the metafile and PSD flags too (empty).
 script::Fields ParseStartParams(std::string_view params);
+
+/// The parameter string for these texts, one for each field, in the present layout whatever the
+/// old one was: paths quoted, no separator at the end of the folder, subfolders "0" unless stated.
+std::string BuildStartParams(std::span<const std::string> texts);
 
 /// True if a type of file is switched off or one of the date, size and aspect tests is on.
 bool FiltersActive(const script::Fields& fields);

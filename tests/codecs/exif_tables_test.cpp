@@ -85,8 +85,7 @@ TEST(ReadExifTables, OneLineForEachTag) {
     const ExifTables tables =
         ReadExifTables(JpegWith(Block({Ascii(0x10F, "Canon"), Ascii(0x110, "PowerShot")})), 5);
     EXPECT_TRUE(tables.namesMaker);
-    EXPECT_THAT(tables.texts[0],
-                testing::StartsWith("0x10f Make: Canon\n0x110 Model: PowerShot\n"));
+    EXPECT_EQ(tables.texts[0], "0x10f Make: Canon\n0x110 Model: PowerShot\n");
     EXPECT_EQ(tables.texts[1],
               "0x9003 DateTimeOriginal: 2024:01:31 12:00:00\n0xa002 PixelXDimension: 640\n");
     EXPECT_EQ(tables.texts[2], "");
@@ -139,7 +138,7 @@ TEST(ReadExifTables, ValuesAreOneShortLine) {
 
 TEST(ReadExifTables, OtherFilesHaveNone) {
     EXPECT_THAT(ReadExifTables({}, 5).texts, Each(IsEmpty()));
-    EXPECT_THAT(ReadExifTables(test::ReadTestFile("jpg/imagemeta_NoExif.jpg"), 5).texts,
+    EXPECT_THAT(ReadExifTables(test::ReadTestFile("jpg/serenity_grayscale_mcu.jpg"), 5).texts,
                 Each(IsEmpty()));
     EXPECT_THAT(ReadExifTables(test::ReadTestFile("png/pngsuite_ctjn0g04.png"), 5).texts,
                 Each(IsEmpty()));

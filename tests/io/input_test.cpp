@@ -7,6 +7,7 @@
 
 #include "imaging/codecs/stored_metadata.h"
 #include "imaging/last_error.h"
+#include "io/output.h"
 #include "io/run_logs.h"
 #include "io/start_setup.h"
 #include "support/run_bench.h"
@@ -232,6 +233,20 @@ TEST_F(InputTest, AFileThatIsNoPictureIsAnError) {
     EXPECT_THAT(error, ElementsAre("1" + text));
     EXPECT_TRUE(view.working.main.IsEmpty());
     EXPECT_EQ(view.openedImages, 0);
+}
+
+TEST_F(InputTest, ADamagedFileThatGivesAPictureIsOpenedAndNoted) {
+    view.working.main = test::PhotoLikeImage({200, 150});
+    ASSERT_NE(WriteMainImage(view, bench.In("whole.jpg")), 0);
+    const std::string whole = test::FileText(bench.In("whole.jpg"));
+    test::PutFile(bench.In("half.jpg"), std::string_view(whole).substr(0, whole.size() / 2));
+    list = {bench.In("half.jpg")};
+    view.run.imageCount = 1;
+    EXPECT_EQ(Next(), kImageOpened);
+    EXPECT_EQ(view.working.main.Extent(), (imaging::Size{200, 150}));
+    EXPECT_THAT(batch, ElementsAre(testing::StartsWith("1 :  Warning - image file is damaged: ")));
+    EXPECT_THAT(error, ElementsAre(testing::StartsWith("1 Warning - image file is damaged: ")));
+    EXPECT_EQ(view.openedImages, 1);
 }
 
 TEST_F(InputTest, AFolderThatIsListedAsAFileIsAnError) {

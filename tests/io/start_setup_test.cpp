@@ -68,6 +68,21 @@ TEST(StartSetup, AnOlderStringHasNoMetafileAndPsdFlagsEither) {
     }
 }
 
+TEST(StartSetup, WritesEveryStringInThePresentLayout) {
+    const Fields old = ParseStartParams(
+        "29,2,,C:\\In\\,1,1,1,1,1,1,1,1,31,1,2020,2,3,1999,1,2,3,4,0,0,0,0,1,0,0.5,4.5,");
+    std::vector<std::string> texts;
+    for (int i = 0; i < start::kFieldCount - 1; ++i) texts.push_back(old.Text(i));
+    EXPECT_EQ(BuildStartParams(texts),
+              "32,2,\"\",\"C:\\In\",1,1,1,1,1,1,,,1,1,31,1,2020,2,3,1999,1,2,3,4,0,0,0,0,1,0,"
+              "0.5,4.5,0,");
+    const Fields again = ParseStartParams(BuildStartParams(texts));
+    for (const int i : {start::kLocation, start::kUseGif, start::kMaxAspect})
+        EXPECT_EQ(again.Text(i), old.Text(i));
+    texts[start::kFolderPath] = "/";
+    EXPECT_EQ(ParseStartParams(BuildStartParams(texts)).Text(start::kFolderPath), "/");
+}
+
 TEST(StartSetup, PanelTellsSourceAndFilters) {
     EXPECT_EQ(Panel(kDefault), "Images location: Set at run time\n\nFilters Set: Yes\n");
     const std::string open = ",1,1,1,1,1,1,1,1,1,1,1,12,2024,1,12,1980,64,48,1280,960,";

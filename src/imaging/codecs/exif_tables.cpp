@@ -21,6 +21,7 @@ constexpr std::array kGroups{"Image"sv, "Photo"sv, "Iop"sv, "Thumbnail"sv, "GPSI
 static_assert(kGroups.size() == kExifTableCount);
 constexpr std::string_view kExifPrefix = "Exif\0\0"sv;
 constexpr std::uint16_t kMaker = 0x10F;
+constexpr std::array<std::uint16_t, 3> kPointers{0x8769, 0x8825, 0xA005};  // to other tables
 constexpr std::uint16_t kFirstUtf16Tag = 0x9C9B, kLastUtf16Tag = 0x9C9F;
 constexpr std::size_t kMaxValueBytes = 200;
 
@@ -130,6 +131,8 @@ ExifTables ReadExifTables(ByteView file, int count) {
             const auto group = std::find(kGroups.begin(), kGroups.end(), tag.groupName());
             const auto table = static_cast<std::size_t>(group - kGroups.begin());
             if (group == kGroups.end() || static_cast<int>(table) >= count) continue;
+            if (std::find(kPointers.begin(), kPointers.end(), tag.tag()) != kPointers.end())
+                continue;
             tables.texts[table] += LineOf(tag, data);
             if (tag.tag() == kMaker) tables.namesMaker = true;
         }

@@ -13,7 +13,7 @@ namespace lumo::imaging::codecs {
 inline constexpr int kExifTableCount = 5;
 
 struct ExifTables {
-    /// One line for each tag, as "0x10f Make: Canon"; empty for a table without tags. Values are
+    /// One line for each tag but pointers to tables, as "0x10f Make: Canon". Values are
     /// UTF-8 without control characters; long ones are cut and end in "...".
     std::array<std::string, kExifTableCount> texts;
     /// One of the tables holds the maker of the camera (tag 0x10f).
