@@ -40,7 +40,9 @@ Span Overlap(double start, double end, int extent) {
 Box SourceBox(const Bitmap& bitmap, Point from, Point size) {
     const Point whole{static_cast<double>(bitmap.size.width),
                       static_cast<double>(bitmap.size.height)};
-    if (from == Point{} && size.x > whole.x && size.y > whole.y) size = whole;
+    const Point rest = whole - from;
+    const bool inside = from.x >= 0 && from.y >= 0 && rest.x > 0 && rest.y > 0;
+    if (inside && size.x > whole.x && size.y > whole.y) size = rest;
     return {from.x, from.y, from.x + size.x, from.y + size.y};
 }
 
