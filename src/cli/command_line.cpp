@@ -43,8 +43,9 @@ std::string VersionText(Program program) {
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments, Program program) {
     CommandLine line;
     const bool batch = program == Program::Batch;
-    CLI::App app(batch ? "Runs a Script of image commands unattended over its folder of pictures."
-                       : "Builds, tries and runs Scripts of image commands over folders of pictures.",
+    CLI::App app(batch
+                     ? "Runs a Script of image commands unattended over its folder of pictures."
+                     : "Builds, tries and runs Scripts of image commands over folders of pictures.",
                  NameOf(program));
     app.footer(kFooter);
     bool version = false;

@@ -11,13 +11,13 @@ namespace lumo::cli {
 enum class Program { Desktop, Batch };
 
 struct CommandLine {
-    std::string scriptPath;     // empty: none stated
-    bool autoRun = false;       // /r
-    bool autoExit = false;      // /x, only together with /r
-    bool noPrompts = false;     // /s
-    bool forceErrorLog = false; // /e
-    bool debugLog = false;      // --debug-log
-    bool quiet = false;         // --quiet
+    std::string scriptPath;      // empty: none stated
+    bool autoRun = false;        // /r
+    bool autoExit = false;       // /x, only together with /r
+    bool noPrompts = false;      // /s
+    bool forceErrorLog = false;  // /e
+    bool debugLog = false;       // --debug-log
+    bool quiet = false;          // --quiet
 
     /// The program is to print `text` and end with `exitCode` (help, version, wrong use).
     bool stop = false;

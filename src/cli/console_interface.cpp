@@ -19,9 +19,12 @@ void PrintError(std::string_view text) {
 
 }  // namespace
 
-ConsoleInterface::ConsoleInterface(bool quiet) : showProgress_(!quiet && isatty(STDERR_FILENO) != 0) {}
+ConsoleInterface::ConsoleInterface(bool quiet)
+    : showProgress_(!quiet && isatty(STDERR_FILENO) != 0) {}
 
-ConsoleInterface::~ConsoleInterface() { EraseProgress(); }
+ConsoleInterface::~ConsoleInterface() {
+    EraseProgress();
+}
 
 void ConsoleInterface::ShowMessage(std::string_view text) {
     EraseProgress();
@@ -33,7 +36,9 @@ bool ConsoleInterface::Ask(std::string_view question) {
     return false;  // nobody is there to say Yes
 }
 
-void ConsoleInterface::Notice(std::string_view text) { ShowMessage(text); }
+void ConsoleInterface::Notice(std::string_view text) {
+    ShowMessage(text);
+}
 
 void ConsoleInterface::SetTitle(std::string_view text) {
     title_ = text;

@@ -32,7 +32,7 @@ class SignalGuard {
   public:
     explicit SignalGuard(std::atomic<int>& flag) {
         keepRunning = &flag;
-        struct sigaction action {};
+        struct sigaction action{};
         action.sa_handler = StopRun;
         sigemptyset(&action.sa_mask);
         action.sa_flags = SA_RESTART;
@@ -48,8 +48,8 @@ class SignalGuard {
     SignalGuard& operator=(const SignalGuard&) = delete;
 
   private:
-    struct sigaction oldInt_ {};
-    struct sigaction oldTerm_ {};
+    struct sigaction oldInt_{};
+    struct sigaction oldTerm_{};
 };
 
 int StatusOf(const engine::RunState& run) {
@@ -73,6 +73,9 @@ std::string Summary(const engine::RunState& run, double seconds) {
 
 int RunUnattended(const CommandLine& line, Program program) {
     std::setlocale(LC_TIME, "");
+    // A full disk or a limit on file sizes is an error of one file, not the end of the program.
+    signal(SIGXFSZ, SIG_IGN);
+    signal(SIGPIPE, SIG_IGN);
     const auto begin = std::chrono::steady_clock::now();
     ConsoleInterface console(line.quiet);
     engine::CLumoscriptView view(console);

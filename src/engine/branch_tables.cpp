@@ -31,7 +31,9 @@ int FindMatch(const Script& list, int from, int step, Opens opens, Closes closes
 auto Named(std::string_view wanted) {
     return [wanted](std::string_view name) { return name == wanted; };
 }
-bool Never(std::string_view) { return false; }
+bool Never(std::string_view) {
+    return false;
+}
 
 int FindDoEnd(const Script& list, int i) {
     return FindMatch(list, i + 1, 1, Named(names::kDoWhile), Named(names::kDoEnd), kNoDoEnd);

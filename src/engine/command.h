@@ -14,15 +14,17 @@ namespace lumo::engine {
 /// in a test run.
 enum class Outcome : int { Failed = 0, Succeeded = 1, SucceededQuietly = 2 };
 
-constexpr Outcome ToOutcome(bool ok) { return ok ? Outcome::Succeeded : Outcome::Failed; }
+constexpr Outcome ToOutcome(bool ok) {
+    return ok ? Outcome::Succeeded : Outcome::Failed;
+}
 
 /// The steps of the common opening that a command takes. In a run every command but those with
 /// `ownFlow` has already moved `pc` on when its handler begins.
 struct Opening {
-    bool needsImage = true;    // an empty working image is logged and fails
-    bool skipInTest = true;    // the skip test outside of a run
-    bool skipInRun = false;    // and also in one: two commands only
-    bool ownFlow = false;      // moves `pc` itself and asks the skip test itself: block commands
+    bool needsImage = true;  // an empty working image is logged and fails
+    bool skipInTest = true;  // the skip test outside of a run
+    bool skipInRun = false;  // and also in one: two commands only
+    bool ownFlow = false;    // moves `pc` itself and asks the skip test itself: block commands
 };
 
 namespace openings {

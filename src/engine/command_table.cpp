@@ -7,6 +7,9 @@
 #include "io/output_setup.h"
 #include "io/start_setup.h"
 #include "io/writer_preferences.h"
+#include "ops/geometry/flip.h"
+#include "ops/geometry/scale.h"
+#include "ops/geometry/size_and_crop.h"
 #include "script/names.h"
 
 namespace lumo::engine {
@@ -53,8 +56,8 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kEmboss, nullptr},
     {names::kEndImageLoop, nullptr},
     {names::kExit, &flow::kExitCommand},
-    {names::kFlipHorizontal, nullptr},
-    {names::kFlipVertical, nullptr},
+    {names::kFlipHorizontal, &ops::geometry::kFlipHorizontalCommand},
+    {names::kFlipVertical, &ops::geometry::kFlipVerticalCommand},
     {names::kFrameOverlay, nullptr},
     {names::kGammaAdjust, nullptr},
     {names::kGrid, nullptr},
@@ -85,11 +88,11 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kReplaceColour, nullptr},
     {names::kRotate90, nullptr},
     {names::kRotateSpecify, nullptr},
-    {names::kScale, nullptr},
+    {names::kScale, &ops::geometry::kScaleCommand},
     {names::kScriptInfo, &flow::kScriptInfoCommand},
     {names::kSharpen, nullptr},
     {names::kShiftImage, nullptr},
-    {names::kSizeAndCrop, nullptr},
+    {names::kSizeAndCrop, &ops::geometry::kSizeAndCropCommand},
     {names::kSkew, nullptr},
     {names::kSolarize, nullptr},
     {names::kStartImageLoop, &io::kStartCommand},
@@ -112,6 +115,8 @@ constexpr std::array<CommandRow, 91> kCommands{{
 
 }  // namespace
 
-std::span<const CommandRow> CommandTable() { return kCommands; }
+std::span<const CommandRow> CommandTable() {
+    return kCommands;
+}
 
 }  // namespace lumo::engine

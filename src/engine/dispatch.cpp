@@ -86,6 +86,7 @@ void OnCommandFailure(CLumoscriptView& view, std::string_view text, LibraryError
     }
     ++view.run.failureReports;
     io::LogLine(view, io::kNoNumber, words);
+    if (view.run.noPrompts) view.ui.Notice(words);
 }
 
 void ReplaceMainImage(CLumoscriptView& view, imaging::Image image) {

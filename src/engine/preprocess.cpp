@@ -42,13 +42,13 @@ bool HasSubroutine(const script::Script& list, std::string_view name) {
 bool LoadSubroutine(CLumoscriptView& view, const std::string& name) {
     const settings::Settings& settings = view.settings;
     // The name may hold folders in the manner of Scripts.
-    const std::string native = platform::ParsePath(name, settings.installFolder,
-                                                   settings.folders.temp);
-    const std::array<std::string, 3> folders{settings.folders.subroutines,
-                                             settings.folders.scripts,
+    const std::string native =
+        platform::ParsePath(name, settings.installFolder, settings.folders.temp);
+    const std::array<std::string, 3> folders{settings.folders.subroutines, settings.folders.scripts,
                                              settings.installFolder + "/Subroutines"};
     return std::ranges::any_of(folders, [&](const std::string& folder) {
-        return static_cast<bool>(script::AppendSubroutine(folder + "/" + native + ".sbr", view.run.list, {}));
+        return static_cast<bool>(
+            script::AppendSubroutine(folder + "/" + native + ".sbr", view.run.list, {}));
     });
 }
 

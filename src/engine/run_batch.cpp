@@ -29,7 +29,9 @@ void RefuseStart(CLumoscriptView& view, std::string_view interactive, std::strin
     view.ui.Notice(unattended);
     if (view.run.autoExit) view.ui.StartTimer2(kTimer2Milliseconds);
 }
-void RefuseStart(CLumoscriptView& view, std::string_view text) { RefuseStart(view, text, text); }
+void RefuseStart(CLumoscriptView& view, std::string_view text) {
+    RefuseStart(view, text, text);
+}
 
 /// Few commands mean that somebody pressed Run too early; false: the run does not start.
 bool EnoughCommands(CLumoscriptView& view) {
@@ -38,8 +40,7 @@ bool EnoughCommands(CLumoscriptView& view) {
         return view.ui.Ask(
             "No commands except 'Start (Image loop)' and 'End (Image loop)' in script! Continue "
             "anyway?");
-    RefuseStart(view,
-                "No commands except 'Start (Image loop)' and 'End (Image loop)' in script");
+    RefuseStart(view, "No commands except 'Start (Image loop)' and 'End (Image loop)' in script");
     return false;
 }
 
@@ -173,8 +174,7 @@ bool PrepareBatch(CLumoscriptView& view) {
 
     const int start = view.script.commands.Find(names::kStartImageLoop);
     if (start < 0) {
-        RefuseStart(view,
-                    "No 'START Image loop (setup)'. Not a batch script. No batching.");
+        RefuseStart(view, "No 'START Image loop (setup)'. Not a batch script. No batching.");
         return false;
     }
     if (!EnoughCommands(view) || !InputIsNamed(view, start)) return false;

@@ -48,10 +48,15 @@ void TakeNextImage(CLumoscriptView& view) {
     }
     ++run.imageIndex;
     switch (io::OpenNextImage(view)) {
-        case io::kImageOpened: ++run.pc; break;
+        case io::kImageOpened:
+            ++run.pc;
+            break;
         case io::kImageNotOpened:
-        case io::kFileMissing: ++run.errorCount; break;
-        default: break;  // filtered: neither an image nor an error
+        case io::kFileMissing:
+            ++run.errorCount;
+            break;
+        default:
+            break;  // filtered: neither an image nor an error
     }
 }
 
@@ -69,11 +74,15 @@ void RunLoop(CLumoscriptView& view) {
     while (run.keepRunning != 0 && run.pc >= 0 && run.pc < run.runCount) {
         const Step& step = steps[static_cast<std::size_t>(run.pc)];
         switch (step.kind) {
-            case Step::Kind::StartMarker: TakeNextImage(view); break;
-            case Step::Kind::EndMarker: run.pc = run.startIdx; break;
+            case Step::Kind::StartMarker:
+                TakeNextImage(view);
+                break;
+            case Step::Kind::EndMarker:
+                run.pc = run.startIdx;
+                break;
             case Step::Kind::Command: {
-                const Outcome outcome = ExecuteCommand(
-                    view, step.command, run.list.NameAt(run.pc), run.list.ParamsAt(run.pc));
+                const Outcome outcome = ExecuteCommand(view, step.command, run.list.NameAt(run.pc),
+                                                       run.list.ParamsAt(run.pc));
                 if (outcome == Outcome::Failed) ReportCommandFailure(view);
                 break;
             }
@@ -81,7 +90,8 @@ void RunLoop(CLumoscriptView& view) {
     }
     run.inRun = false;
     if (run.pc < 0 || run.pc > run.runCount) ReportFatal(view, run.pc);
-    if (run.keepRunning == 0) {
+    // A run that was refused half-way (a folder that nobody may make) ends without an abort.
+    if (run.keepRunning == 0 && !run.refused) {
         run.aborted = true;
         io::LogAbort(view);
     }

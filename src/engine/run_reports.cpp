@@ -17,15 +17,24 @@ void ReportCommandFailure(CLumoscriptView& view) {
 
 std::string FatalText(int code) {
     switch (code) {
-        case 8010: return "Fatal error:8010 Unable to find ELSE_END location";
-        case 8020: return "Fatal error:8020 Unable to find Subroutine_END location";
-        case 8030: return "Fatal error:8030 Unable to find IF_END location";
-        case 8040: return "Fatal error:8040 Unable to find Loop End location";
-        case 8050: return "Fatal error:8050 Unable to find Loop Start location";
-        case 8060: return "Fatal error:8060 Unable to find DO_END location";
-        case 8070: return "Fatal error:8070 Unable to find DO_WHILE location";
-        case 8080: return "Fatal error:8080 Subroutine stack overlow";
-        default: break;
+        case 8010:
+            return "Fatal error:8010 Unable to find ELSE_END location";
+        case 8020:
+            return "Fatal error:8020 Unable to find Subroutine_END location";
+        case 8030:
+            return "Fatal error:8030 Unable to find IF_END location";
+        case 8040:
+            return "Fatal error:8040 Unable to find Loop End location";
+        case 8050:
+            return "Fatal error:8050 Unable to find Loop Start location";
+        case 8060:
+            return "Fatal error:8060 Unable to find DO_END location";
+        case 8070:
+            return "Fatal error:8070 Unable to find DO_WHILE location";
+        case 8080:
+            return "Fatal error:8080 Subroutine stack overlow";
+        default:
+            break;
     }
     std::string text = "Fatal error: " + std::to_string(code);
     if (code > 8000) text += " Unknown cause";

@@ -32,23 +32,23 @@ struct ScriptState {
     bool hasUndo = false;
     bool hasFile = false;
     bool modified = false;
-    std::string path;                                  // of the file, if hasFile
+    std::string path;                                 // of the file, if hasFile
     std::string caption = "Batch script: (unsaved)";  // as the logs name it
 };
 
 /// The working image and what writers and later commands are told of it.
 struct WorkingImage {
     imaging::Image main;
-    int imageBits = 24;        // 24, 8 or 1; the pixels stay 24-bit
-    int imageBitsForced = 0;   // 1 when a command has reduced the picture
-    bool grey = false;         // skips a second conversion to grey
+    int imageBits = 24;       // 24, 8 or 1; the pixels stay 24-bit
+    int imageBitsForced = 0;  // 1 when a command has reduced the picture
+    bool grey = false;        // skips a second conversion to grey
 };
 
 /// The sample image and its copies.
 struct SampleImages {
-    imaging::Image left;         // as opened; never changed by a command
-    std::string path;            // where it came from
-    imaging::Image held;         // a copy made on demand
+    imaging::Image left;  // as opened; never changed by a command
+    std::string path;     // where it came from
+    imaging::Image held;  // a copy made on demand
     std::string heldPath;
     imaging::Image blendSource;  // second image of "Blend images"
     std::string leftDepthLabel;
@@ -58,23 +58,24 @@ struct SampleImages {
 /// Who works on what.
 enum class RunMode : std::int8_t {
     Idle = -1,
-    OneCommand = 1,       // one command on the sample
-    WholeScript = 2,      // the Script on the sample, step by step
-    BatchOnSample = 3,    // the batch machinery over the sample
-    Batch = 4,            // over the input
+    OneCommand = 1,     // one command on the sample
+    WholeScript = 2,    // the Script on the sample, step by step
+    BatchOnSample = 3,  // the batch machinery over the sample
+    Batch = 4,          // over the input
 };
 
 /// One batch run, or none.
 struct RunState {
-    std::atomic<int> keepRunning{1};  // 0: stop before the next command; the one word both threads use
+    std::atomic<int> keepRunning{
+        1};  // 0: stop before the next command; the one word both threads use
     std::atomic<bool> batchRunning{false};
-    bool inRun = false;               // the run loop is dispatching
+    bool inRun = false;  // the run loop is dispatching
     RunMode mode = RunMode::Idle;
     bool onLeftImage = false;
     bool autoRun = false, autoExit = false, noPrompts = false, forceErrorLog = false;
     bool showEachImage = false;
 
-    script::Script list;              // the run lists
+    script::Script list;  // the run lists
     int startIdx = -1, endIdx = -1, runCount = 0;
     int startIdxBefore = -1, endIdxBefore = -1;  // before subroutines were loaded
     std::vector<std::int32_t> nextPc = std::vector<std::int32_t>(kMaxRunCommands);
@@ -86,23 +87,23 @@ struct RunState {
     std::vector<std::string> inputList;
     int imageIndex = -1;
     int imageCount = 0;
-    bool imageLoopOver = false;       // the input list is used up
-    int firstScanCount = 0;           // "Total input images: "
+    bool imageLoopOver = false;  // the input list is used up
+    int firstScanCount = 0;      // "Total input images: "
     int statFiles = 0, statOutputs = 0, errorCount = 0, statInputs = 0, warningCount = 0;
-    int failureReports = 0;           // calls of OnCommandFailure; counts for the exit status only
-    int fatalCode = 0;                // of ReportFatal, 0 none
-    bool refused = false;             // ended before its first image
+    int failureReports = 0;  // calls of OnCommandFailure; counts for the exit status only
+    int fatalCode = 0;       // of ReportFatal, 0 none
+    bool refused = false;    // ended before its first image
     bool aborted = false;
     std::chrono::system_clock::time_point startTime;
-    std::thread worker;               // of the run that lasts, or of the last one
+    std::thread worker;  // of the run that lasts, or of the last one
 };
 
 /// Flags of a walk over the Script on the sample image.
 struct TestWalk {
     int ifFlag = 1, doFlag = 1, exitFlag = 0;
     int subSkip = 0, subDepth = 0;
-    std::string ifStack, elseStack;   // letters T and F, one for each open IF
-    std::vector<int> subReturnList;   // newest last
+    std::string ifStack, elseStack;  // letters T and F, one for each open IF
+    std::vector<int> subReturnList;  // newest last
     int testPc = 0;
     int loopReturn = 0, loopCount = 0, doReturn = 0;
     bool running = false;
@@ -166,8 +167,8 @@ struct CLumoscriptView {
     std::array<std::int32_t, 10> counters{};  // A to J
     InputFile input;
     script::Fields inputSettings;  // fields of the current START command
-    int openedImages = 0;                     // AutoNumeric; goes on from run to run
-    int incrementalCount = 0;                 // goes on from run to run
+    int openedImages = 0;          // AutoNumeric; goes on from run to run
+    int incrementalCount = 0;      // goes on from run to run
     RunLogs logs;
     MetadataStores metadata;
     Random random;

@@ -42,12 +42,12 @@ class Unattended : public testing::Test {
         const std::string start =
             "START image loop (setup)\r\n32,2,,\"" + (folder / "in") +
             "\",1,1,1,1,1,1,1,1,1,1,1,12,2024,1,12,1980,64,48,1280,960,0,0,0,0,0,0,0.0,4.0,0,\r\n";
-        const std::string output =
-            outputs.empty()
-                ? "Output setup\r\n11,0,\"" + (folder / "out") + "\",0,png,0,0,,,0,0,1,\r\n"
-                : outputs;
+        const std::string output = outputs.empty() ? "Output setup\r\n11,0,\"" + (folder / "out") +
+                                                         "\",0,png,0,0,,,0,0,1,\r\n"
+                                                   : outputs;
         const std::string path = folder / "test.whs";
-        test::PutFile(path, "BEGIN\r\n" + start + commands + output + "END image loop\r\n0\r\nEND\r\n");
+        test::PutFile(path,
+                      "BEGIN\r\n" + start + commands + output + "END image loop\r\n0\r\nEND\r\n");
         return path;
     }
     std::string Log(const std::string& name) {
@@ -88,8 +88,8 @@ TEST_F(Unattended, AFailedCommandGivesOne) {
 
 TEST_F(Unattended, AWarningLeavesZero) {
     AddPictures(1);
-    const std::string script = MakeScript(
-        "", "Output setup\r\n11,0,\"" + (folder / "out") + "\",0,png,0,0,,,0,0,0,\r\n");
+    const std::string script =
+        MakeScript("", "Output setup\r\n11,0,\"" + (folder / "out") + "\",0,png,0,0,,,0,0,0,\r\n");
     EXPECT_EQ(test::RunProgram({kBatch, script}).exitStatus, 0);
     const auto again = test::RunProgram({kBatch, script});
     EXPECT_EQ(again.exitStatus, 0);

@@ -33,8 +33,8 @@ Verdict Examine(Check check, const Names& pre, const Names& image, const Names& 
     list.Add(names::kEndImageLoop, "0");
     for (const auto name : post) list.Add(name, "0");
     Verdict verdict;
-    verdict.ok = check({list, start, end},
-                       [&](std::string_view line) { verdict.lines.emplace_back(line); });
+    verdict.ok =
+        check({list, start, end}, [&](std::string_view line) { verdict.lines.emplace_back(line); });
     return verdict;
 }
 
@@ -118,10 +118,11 @@ TEST(BlockChecks, UnclosedBlocksAreCountFaults) {
 TEST(BlockChecks, ABlockAcrossTheStartMarkerFailsInBothSections) {
     const Verdict verdict = Examine(CheckLoops, {names::kLoopStart}, {names::kLoopEnd}, {});
     EXPECT_FALSE(verdict.ok);
-    EXPECT_THAT(verdict.lines,
-                ElementsAre("Preprocessing error: Loop Start - Loop End count mismatch pre-Image loop",
-                            "Preprocessing error: Loop End before Loop Start in Image loop",
-                            "Preprocessing error: Loop Start - Loop End count mismatch Image loop"));
+    EXPECT_THAT(
+        verdict.lines,
+        ElementsAre("Preprocessing error: Loop Start - Loop End count mismatch pre-Image loop",
+                    "Preprocessing error: Loop End before Loop Start in Image loop",
+                    "Preprocessing error: Loop Start - Loop End count mismatch Image loop"));
 }
 
 TEST(BlockChecks, FileConditionsBelongToTheImageLoop) {
@@ -139,13 +140,14 @@ TEST(BlockChecks, FileConditionsBelongToTheImageLoop) {
 
 TEST(BlockChecks, ElseStandsDirectlyBehindIfEnd) {
     const Names good{names::kIfCondition, names::kIfEnd, names::kElseStart, names::kElseEnd};
-    const Names late{names::kIfCondition, names::kIfEnd, "Blur", names::kElseStart, names::kElseEnd};
+    const Names late{names::kIfCondition, names::kIfEnd, "Blur", names::kElseStart,
+                     names::kElseEnd};
     EXPECT_TRUE(Examine(CheckElse, good, good, good).ok);
     const Verdict pre = Examine(CheckElse, late, {}, {});
     EXPECT_FALSE(pre.ok);
-    EXPECT_THAT(pre.lines,
-                ElementsAre(
-                    "Preprocessing error: ELSE_START not preceded by IF_END in pre-Image loop"));
+    EXPECT_THAT(
+        pre.lines,
+        ElementsAre("Preprocessing error: ELSE_START not preceded by IF_END in pre-Image loop"));
     const Verdict image = Examine(CheckElse, {}, late, {});
     EXPECT_FALSE(image.ok);
     EXPECT_THAT(image.lines, IsEmpty());

@@ -38,8 +38,8 @@ TEST(BranchTables, PlainCommandsStepForward) {
 }
 
 TEST(BranchTables, MarkersUseThePlacesFromBeforeLoading) {
-    const Script list =
-        ListOf({{"Blur", "0"}, {names::kStartImageLoop, "0"}, {"Blur", "0"}, {names::kEndImageLoop, "0"}});
+    const Script list = ListOf(
+        {{"Blur", "0"}, {names::kStartImageLoop, "0"}, {"Blur", "0"}, {names::kEndImageLoop, "0"}});
     const Tables t = Build(list, 1, 3);
     EXPECT_EQ(t.next[1], 2);
     EXPECT_EQ(t.branch[1], 4);

@@ -25,15 +25,18 @@ Outcome Fail(CLumoscriptView& view, const script::Fields&) {
     return Outcome::Failed;
 }
 
-constexpr Command kPlain{.spec = {.name = "Plain"}, .opening = openings::kStandard, .run = CountCall};
+constexpr Command kPlain{
+    .spec = {.name = "Plain"}, .opening = openings::kStandard, .run = CountCall};
 constexpr Command kNoImage{
     .spec = {.name = "NoImage"}, .opening = openings::kNoImage, .run = CountCall};
 constexpr Command kSkipAlways{
     .spec = {.name = "SkipAlways"}, .opening = openings::kSkipAlways, .run = CountCall};
-constexpr Command kNoSkip{.spec = {.name = "NoSkip"}, .opening = openings::kNoSkip, .run = CountCall};
+constexpr Command kNoSkip{
+    .spec = {.name = "NoSkip"}, .opening = openings::kNoSkip, .run = CountCall};
 constexpr Command kOwnFlow{
     .spec = {.name = "OwnFlow"}, .opening = openings::kOwnFlow, .run = CountCall};
-constexpr Command kFailing{.spec = {.name = "Failing"}, .opening = openings::kStandard, .run = Fail};
+constexpr Command kFailing{
+    .spec = {.name = "Failing"}, .opening = openings::kStandard, .run = Fail};
 
 class DispatchTest : public testing::Test {
   protected:

@@ -15,11 +15,15 @@ using test::CommandList;
 using test::FlowRunner;
 using testing::ElementsAre;
 
-const std::string kTrueIf = "5,1,3,640,0,0,";    // width >= 640
-const std::string kFalseIf = "5,1,0,640,0,0,";   // width > 640
+const std::string kTrueIf = "5,1,3,640,0,0,";   // width >= 640
+const std::string kFalseIf = "5,1,0,640,0,0,";  // width > 640
 const std::string kAddOneToA = "3,1,1,0,";
-std::string Named(std::string_view name) { return std::string(name); }
-std::string AddOne(int counter) { return "3,1,1," + std::to_string(counter) + ","; }
+std::string Named(std::string_view name) {
+    return std::string(name);
+}
+std::string AddOne(int counter) {
+    return "3,1,1," + std::to_string(counter) + ",";
+}
 
 TEST(FlowRun, ATrueIfRunsItsBodyAndStepsOverItsElse) {
     FlowRunner flow({{Named(names::kIfCondition), kTrueIf},
@@ -46,12 +50,9 @@ TEST(FlowRun, AFalseIfRunsItsElse) {
 }
 
 TEST(FlowRun, FileIfsLookAtThePlaceInTheList) {
-    const CommandList list{{Named(names::kIfFirstFile), "0"},
-                           {Named(names::kCounter), AddOne(0)},
-                           {Named(names::kIfEnd), "0"},
-                           {Named(names::kIfLastFile), "0"},
-                           {Named(names::kCounter), AddOne(1)},
-                           {Named(names::kIfEnd), "0"}};
+    const CommandList list{{Named(names::kIfFirstFile), "0"},   {Named(names::kCounter), AddOne(0)},
+                           {Named(names::kIfEnd), "0"},         {Named(names::kIfLastFile), "0"},
+                           {Named(names::kCounter), AddOne(1)}, {Named(names::kIfEnd), "0"}};
     const auto counts = [&](int index) {
         FlowRunner flow(list);
         flow.Run().imageCount = 3;
@@ -135,7 +136,8 @@ TEST(FlowRun, MeasuredItemsOfADoTestGoToTheOtherFlag) {
 }
 
 TEST(FlowRun, UnknownConditionLeavesTheFlag) {
-    FlowRunner flow({{Named(names::kIfCondition), "5,99,0,1.0,2.0,0,"}, {Named(names::kIfEnd), "0"}});
+    FlowRunner flow(
+        {{Named(names::kIfCondition), "5,99,0,1.0,2.0,0,"}, {Named(names::kIfEnd), "0"}});
     flow.View().test.ifFlag = 0;
     flow.Walk();
     EXPECT_EQ(flow.View().test.ifFlag, 0);
@@ -270,8 +272,8 @@ class Nesting {
             const int kind = depth >= 4 ? 0 : Roll(5);
             // Counter J is the loops' own; A to E are played with.
             if (kind <= 1) {
-                Add(names::kCounter, "3,1," + std::to_string(1 + Roll(3)) + "," +
-                                         std::to_string(Roll(5)) + ",");
+                Add(names::kCounter,
+                    "3,1," + std::to_string(1 + Roll(3)) + "," + std::to_string(Roll(5)) + ",");
             } else if (kind == 2) {
                 Add(names::kIfCondition, Condition());
                 Block(depth + 1, inNumberedLoop);
@@ -310,11 +312,16 @@ class Nesting {
         const int x = counters_[static_cast<std::size_t>(counter)];
         const int value = static_cast<int>(f.Real(2));
         switch (f.Integer(1)) {
-            case 0: return x > value;
-            case 1: return x < value;
-            case 2: return x == value;
-            case 3: return x >= value;
-            default: return x <= value;
+            case 0:
+                return x > value;
+            case 1:
+                return x < value;
+            case 2:
+                return x == value;
+            case 3:
+                return x >= value;
+            default:
+                return x <= value;
         }
     }
 

@@ -205,7 +205,8 @@ TEST_F(Refusal, NoStartMarker) {
     Unattended();
     EXPECT_FALSE(RunHere());
     EXPECT_THAT(ui.messages, IsEmpty());
-    EXPECT_THAT(ui.notices, Contains("No 'START Image loop (setup)'. Not a batch script. No batching."));
+    EXPECT_THAT(ui.notices,
+                Contains("No 'START Image loop (setup)'. Not a batch script. No batching."));
     EXPECT_THAT(ErrorLog(), HasSubstr("No 'START Image loop (setup)'. Not a batch script."));
     EXPECT_THAT(BatchLog(), HasSubstr("No 'START Image loop (setup)'. Not a batch script."));
     EXPECT_THAT(ui.timers, ElementsAre(1000));
@@ -279,8 +280,9 @@ TEST_F(Refusal, BlockFaultsStopTheRunBeforeItsFirstImage) {
     AddOutput();
     Add(names::kEndImageLoop);
     EXPECT_FALSE(RunHere());
-    EXPECT_THAT(ErrorLog(),
-                HasSubstr("Preprocessing error: IF_START  IF_END count mismatch in Image loop\r\n"));
+    EXPECT_THAT(
+        ErrorLog(),
+        HasSubstr("Preprocessing error: IF_START  IF_END count mismatch in Image loop\r\n"));
     EXPECT_THAT(ErrorLog(), HasSubstr("0 errors\r\n"));
     EXPECT_THAT(BatchLog(), HasSubstr("---- done ----"));
     EXPECT_FALSE(fs::exists(folder / "out"));
@@ -343,9 +345,10 @@ TEST_F(Run, SubroutinesCalledFromSubroutinesAreFoundToo) {
     AddPicture("1.png");
     test::PutFile(folder / "subroutines/Outer.sbr",
                   SubroutineFile("SUBROUTINE Execute\r\n1,\"Inner\",\r\n"));
-    test::PutFile(folder / "subroutines/Inner.sbr",
-                  SubroutineFile("Counter (reset or increment)\r\n3,1,1,5,\r\nOutput setup\r\n11,0,\"" +
-                                 (folder / "out") + "\",0,png,0,3,,in$(F),0,0,1,\r\n"));
+    test::PutFile(
+        folder / "subroutines/Inner.sbr",
+        SubroutineFile("Counter (reset or increment)\r\n3,1,1,5,\r\nOutput setup\r\n11,0,\"" +
+                       (folder / "out") + "\",0,png,0,3,,in$(F),0,0,1,\r\n"));
     AddStart();
     Add(names::kSubroutineExecute, "1,\"Outer\",");
     Add(names::kEndImageLoop);

@@ -38,12 +38,18 @@ const std::map<std::string, std::set<std::string>>& Allowed() {
         map["state"] = {"state", "settings", "script", "imaging", "platform"};
         map["io"] = {"io", "state", "settings", "script", "imaging", "platform"};
         for (const char* family : {"colour", "geometry", "filters", "overlays"})
-            map[std::string("ops/") + family] = {std::string("ops/") + family, "ops", "io", "state",
-                                                 "settings", "script", "imaging", "platform"};
+            map[std::string("ops/") + family] = {std::string("ops/") + family,
+                                                 "ops",
+                                                 "io",
+                                                 "state",
+                                                 "settings",
+                                                 "script",
+                                                 "imaging",
+                                                 "platform"};
         map["ops"] = {"ops", "io", "state", "settings", "script", "imaging", "platform"};
-        map["driver"] = {"driver", "state", "io", "ops", "ops/colour", "ops/geometry",
-                         "ops/filters", "ops/overlays", "settings", "script", "imaging",
-                         "platform"};
+        map["driver"] = {"driver",     "state",        "io",          "ops",
+                         "ops/colour", "ops/geometry", "ops/filters", "ops/overlays",
+                         "settings",   "script",       "imaging",     "platform"};
         map["cli"] = map["driver"];
         map["cli"].insert({"cli", "generated"});
         map["ui"] = map["driver"];
@@ -79,8 +85,8 @@ TEST(Layers, IncludesPointDownOnly) {
 
 TEST(Layers, PictureLibrariesStayInTheCodecs) {
     const fs::path root = fs::path(LUMO_SOURCE_ROOT) / "src";
-    const std::set<std::string> libraries{"<jpeglib.h>", "<png.h>", "<tiffio.h>", "<gif_lib.h>",
-                                          "<libraw/libraw.h>", "<librsvg/rsvg.h>"};
+    const std::set<std::string> libraries{"<jpeglib.h>", "<png.h>",           "<tiffio.h>",
+                                          "<gif_lib.h>", "<libraw/libraw.h>", "<librsvg/rsvg.h>"};
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
         if (!entry.is_regular_file()) continue;
         const fs::path relative = fs::relative(entry.path(), root);

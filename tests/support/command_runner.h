@@ -16,7 +16,9 @@ namespace lumo::test {
 /// messages of the interface.
 class CommandRunner {
   public:
-    explicit CommandRunner(imaging::Image image) : view(ui) { view.working.main = std::move(image); }
+    explicit CommandRunner(imaging::Image image) : view(ui) {
+        view.working.main = std::move(image);
+    }
 
     /// Runs a command through the common opening, as ExecuteCommand does.
     engine::Outcome Execute(const engine::Command& command, std::string_view params);

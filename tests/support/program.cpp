@@ -31,7 +31,8 @@ ProgramResult RunProgram(const std::vector<std::string>& arguments,
     const TempFolder folder;
     const std::string outPath = folder / "out", errPath = folder / "err";
     std::vector<char*> argv;
-    for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+    for (const std::string& argument : arguments)
+        argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
     const pid_t child = fork();
     if (child < 0) std::abort();

@@ -19,13 +19,14 @@ imaging::Image PhotoLikeImage(imaging::Size size, std::uint32_t seed = 1);
 imaging::Image Copy(imaging::ConstImageView view);
 
 /// True if sizes and all bytes agree; else names the first difference.
-testing::AssertionResult SamePixels(imaging::ConstImageView actual, imaging::ConstImageView expected);
+testing::AssertionResult SamePixels(imaging::ConstImageView actual,
+                                    imaging::ConstImageView expected);
 inline testing::AssertionResult SamePixels(const imaging::Image& a, const imaging::Image& b) {
     return SamePixels(a.View(), b.View());
 }
 /// As SamePixels, but each byte may differ by `tolerance`.
-testing::AssertionResult NearPixels(imaging::ConstImageView actual, imaging::ConstImageView expected,
-                                    int tolerance);
+testing::AssertionResult NearPixels(imaging::ConstImageView actual,
+                                    imaging::ConstImageView expected, int tolerance);
 
 /// Sets the memory budget for the life of the object.
 class ScopedMemoryBudget {

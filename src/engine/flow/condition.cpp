@@ -11,13 +11,23 @@ namespace {
 
 using namespace script;
 
-constexpr std::string_view kItemNames[] = {
-    "Aspect ratio (width/height)", "Width (pixels)",    "Height (pixels)",
-    "Total pixels",                "Counter A",         "Counter B",
-    "Counter C",                   "Counter D",         "Counter E",
-    "Image brightness (0-255)",    "Border brightness", "Colors used",
-    "Counter F",                   "Counter G",         "Counter H",
-    "Counter I",                   "Counter J"};
+constexpr std::string_view kItemNames[] = {"Aspect ratio (width/height)",
+                                           "Width (pixels)",
+                                           "Height (pixels)",
+                                           "Total pixels",
+                                           "Counter A",
+                                           "Counter B",
+                                           "Counter C",
+                                           "Counter D",
+                                           "Counter E",
+                                           "Image brightness (0-255)",
+                                           "Border brightness",
+                                           "Colors used",
+                                           "Counter F",
+                                           "Counter G",
+                                           "Counter H",
+                                           "Counter I",
+                                           "Counter J"};
 constexpr std::string_view kTestNames[] = {"> (greater than)", "<  (less than)", "=  (equal to)",
                                            ">= (greater than or equal to)",
                                            "<=  (less than or equal to)"};
@@ -25,17 +35,25 @@ constexpr std::array kFields{Choice("Item", "0", kItemNames), Choice("Test", "0"
                              Real("Value", "1.0"), Real("Upper value", "2.0"),
                              Flag("Range check only", "0")};
 
-int Code(const Fields& fields, int field) { return fields.Integer(field); }
+int Code(const Fields& fields, int field) {
+    return fields.Integer(field);
+}
 
 template <class T>
 std::optional<bool> Compare(int test, T x, T value) {
     switch (test) {
-        case 0: return x > value;
-        case 1: return x < value;
-        case 2: return x == value;
-        case 3: return x >= value;
-        case 4: return x <= value;
-        default: return std::nullopt;
+        case 0:
+            return x > value;
+        case 1:
+            return x < value;
+        case 2:
+            return x == value;
+        case 3:
+            return x >= value;
+        case 4:
+            return x <= value;
+        default:
+            return std::nullopt;
     }
 }
 
@@ -61,19 +79,28 @@ std::optional<double> Measure(const CLumoscriptView& view, int item) {
     const imaging::ConstImageView image = view.working.main.View();
     const double width = image.Width(), height = image.Height();
     switch (item) {
-        case kAspectRatio: return width / height;
-        case kWidth: return width;
-        case kHeight: return height;
-        case kTotalPixels: return height * width;
-        case kImageBrightnessItem: return imaging::ImageBrightness(image);
-        case kBorderBrightnessItem: return imaging::BorderBrightness(image);
-        default: return std::nullopt;
+        case kAspectRatio:
+            return width / height;
+        case kWidth:
+            return width;
+        case kHeight:
+            return height;
+        case kTotalPixels:
+            return height * width;
+        case kImageBrightnessItem:
+            return imaging::ImageBrightness(image);
+        case kBorderBrightnessItem:
+            return imaging::BorderBrightness(image);
+        default:
+            return std::nullopt;
     }
 }
 
 }  // namespace
 
-std::span<const FieldSpec> ConditionFields() { return kFields; }
+std::span<const FieldSpec> ConditionFields() {
+    return kFields;
+}
 
 std::string ConditionPanel(const Fields& fields) {
     const auto nameOf = [](std::span<const std::string_view> names, int code) {

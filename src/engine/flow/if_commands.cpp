@@ -12,8 +12,8 @@ namespace {
 using script::Fields;
 namespace names = script::names;
 
-constexpr script::DialogSpec kDialog{
-    .title = "IF_START (condition)", .helpTopic = "IF_STARTcondition"};
+constexpr script::DialogSpec kDialog{.title = "IF_START (condition)",
+                                     .helpTopic = "IF_STARTcondition"};
 
 bool AllTrue(const std::string& letters) {
     return std::ranges::all_of(letters, [](char c) { return c == 'T'; });
@@ -132,8 +132,7 @@ Outcome RunElseEnd(CLumoscriptView& view, const Fields&) {
     if (test.ifStack.size() < test.elseStack.size()) DropLast(test.elseStack);
     DropLast(test.ifStack);
     DropLast(test.elseStack);
-    if (test.ifStack.size() != test.elseStack.size())
-        view.ui.ShowMessage("If - Else count error!");
+    if (test.ifStack.size() != test.elseStack.size()) view.ui.ShowMessage("If - Else count error!");
     test.ifFlag = AllTrue(test.ifStack) ? 1 : 0;
     return Outcome::Succeeded;
 }

@@ -12,16 +12,18 @@ namespace {
 using script::Fields;
 namespace names = script::names;
 
-constexpr script::DialogSpec kDoDialog{
-    .title = "DO_WHILE (condition)", .helpTopic = "DO_WHILEcondition"};
-constexpr script::DialogSpec kLoopDialog{
-    .title = "Loop Start (by number)", .helpTopic = "LoopStartEndbynumber"};
+constexpr script::DialogSpec kDoDialog{.title = "DO_WHILE (condition)",
+                                       .helpTopic = "DO_WHILEcondition"};
+constexpr script::DialogSpec kLoopDialog{.title = "Loop Start (by number)",
+                                         .helpTopic = "LoopStartEndbynumber"};
 constexpr script::DialogSpec kInfoDialog{.title = "Script info", .helpTopic = "Scriptinfo"};
 
 constexpr std::array kLoopFields{script::Integer("Number of loops", "1").Clamp(1, 1'000'000)};
 constexpr std::array kLoopPanel{script::Value(0, "Number of loops: ")};
 
-std::size_t Index(int pc) { return static_cast<std::size_t>(pc); }
+std::size_t Index(int pc) {
+    return static_cast<std::size_t>(pc);
+}
 
 void EvaluateDo(CLumoscriptView& view, const Fields& fields) {
     const auto result = EvaluateCondition(view, fields);
@@ -105,8 +107,8 @@ Outcome RunExit(CLumoscriptView& view, const Fields&) {
     if (run.inRun) {
         // Behind the loop (in a subroutine that a picture's commands have called) the next picture
         // is still wanted while the loop lasts.
-        const bool calledFromLoop = run.pc > run.endIdx && run.stackIndex > 0 &&
-                                    run.imageIndex >= 0 && !run.imageLoopOver;
+        const bool calledFromLoop =
+            run.pc > run.endIdx && run.stackIndex > 0 && run.imageIndex >= 0 && !run.imageLoopOver;
         if (calledFromLoop)
             run.pc = run.startIdx;
         else
@@ -124,22 +126,25 @@ Outcome RunScriptInfo(CLumoscriptView& view, const Fields&) {
     return Outcome::Succeeded;
 }
 
-constexpr std::array kInfoFields{
-    script::Text("Line 1", "Place your short").Quoted(),
-    script::Text("Line 2", "comments and text").Quoted(),
-    script::Text("Line 3", "here.").Quoted(),
-    script::Text("Line 4", "").Quoted(),
-    script::Text("Line 5", "").Quoted(),
-    script::Text("Line 6", "").Quoted(),
-    script::Text("Line 7", "").Quoted()};
+constexpr std::array kInfoFields{script::Text("Line 1", "Place your short").Quoted(),
+                                 script::Text("Line 2", "comments and text").Quoted(),
+                                 script::Text("Line 3", "here.").Quoted(),
+                                 script::Text("Line 4", "").Quoted(),
+                                 script::Text("Line 5", "").Quoted(),
+                                 script::Text("Line 6", "").Quoted(),
+                                 script::Text("Line 7", "").Quoted()};
 constexpr std::array kInfoPanel{script::Value(0, ""), script::Value(1, ""), script::Value(2, ""),
                                 script::Value(3, ""), script::Value(4, ""), script::Value(5, ""),
                                 script::Value(6, "")};
 
 }  // namespace
 
-void StepNext(RunState& run) { run.pc = run.nextPc[Index(run.pc)]; }
-void StepBranch(RunState& run) { run.pc = run.branchPc[Index(run.pc)]; }
+void StepNext(RunState& run) {
+    run.pc = run.nextPc[Index(run.pc)];
+}
+void StepBranch(RunState& run) {
+    run.pc = run.branchPc[Index(run.pc)];
+}
 
 const Command kDoWhileCommand{.spec = {.name = names::kDoWhile,
                                        .fields = ConditionFields(),

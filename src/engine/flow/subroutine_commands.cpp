@@ -22,7 +22,9 @@ constexpr std::array kNamePanel{script::Value(0, "Subroutine: ")};
 /// Beyond this index the calls are too deep.
 constexpr int kDeepestStackIndex = 2360;
 
-std::size_t Index(int pc) { return static_cast<std::size_t>(pc); }
+std::size_t Index(int pc) {
+    return static_cast<std::size_t>(pc);
+}
 
 void Push(RunState& run, std::int32_t word) {
     // The depth test follows each frame, so that a frame finds room; a frame with hundreds of
@@ -170,7 +172,8 @@ const Command kSubroutineStartCommand{.spec = {.name = names::kSubroutineStart,
                                                .dialog = &kStartDialog},
                                       .opening = openings::kOwnFlow,
                                       .run = RunSubroutineStart};
-const Command kSubroutineEndCommand{
-    .spec = {.name = names::kSubroutineEnd}, .opening = openings::kOwnFlow, .run = RunSubroutineEnd};
+const Command kSubroutineEndCommand{.spec = {.name = names::kSubroutineEnd},
+                                    .opening = openings::kOwnFlow,
+                                    .run = RunSubroutineEnd};
 
 }  // namespace lumo::engine::flow
