@@ -11,6 +11,7 @@
 #include "imaging/codecs/decoders.h"
 #include "imaging/codecs/lab.h"
 #include "imaging/codecs/tiff_file.h"
+#include "imaging/parallel.h"
 #include "support/decoder_checks.h"
 #include "support/test_files.h"
 #include "support/test_images.h"
@@ -518,6 +519,15 @@ TEST(EncodeTiff, RoundTripsEverySizeAndCompression) {
             const Bytes file = *EncodeTiff(image.View(), {.compression = compression});
             EXPECT_TRUE(test::SamePixels(MustDecode(file).image, image));
         }
+}
+
+TEST(EncodeTiff, ThreadsChangeNoByte) {
+    const Image image = test::PhotoLikeImage({2000, 1200});
+    const Bytes alone = *EncodeTiff(image.View(), {.compression = TiffCompression::Lzw});
+    SetKernelThreads(3);
+    const Bytes together = *EncodeTiff(image.View(), {.compression = TiffCompression::Lzw});
+    SetKernelThreads(1);
+    EXPECT_EQ(alone, together);
 }
 
 TEST(EncodeTiff, LeavesThePictureAlone) {

@@ -1,4 +1,4 @@
-// GIF through giflib. Reading stops behind the first picture of the file.
+// GIF for reading, through giflib. It stops behind the first picture of the file.
 
 #include <fmt/format.h>
 #include <gif_lib.h>
@@ -6,12 +6,11 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <exception>
 #include <optional>
 #include <vector>
 
 #include "imaging/codecs/decoders.h"
-#include "imaging/codecs/gif_palette.h"
+#include "imaging/codecs/gif_passes.h"
 #include "imaging/last_error.h"
 
 namespace lumo::imaging::codecs {
@@ -19,24 +18,10 @@ namespace {
 
 using platform::Error;
 
-/// The rows of an interlaced picture come in four passes.
-struct Pass {
-    int first, step;
-};
-constexpr std::array<Pass, 4> kInterlaced{{{0, 8}, {4, 8}, {2, 4}, {1, 2}}};
-constexpr std::array<Pass, 1> kInOrder{{{0, 1}}};
-constexpr int kMaxSide = 65535;  // 16-bit fields
-
-std::span<const Pass> PassesOf(bool interlaced) {
-    return interlaced ? std::span<const Pass>(kInterlaced) : std::span<const Pass>(kInOrder);
-}
-
 std::string ReasonOf(int code) {
     const char* text = GifErrorString(code);
     return text != nullptr ? text : "damaged";
 }
-
-// ---- Reading --------------------------------------------------------------------------------
 
 class Reader {
   public:
@@ -69,7 +54,7 @@ class Reader {
     GifFileType* gif_ = nullptr;
     int openError_ = 0;
     std::optional<int> transparent_;
-    std::array<Rgb, kMaxColours> colours_{};
+    std::array<Rgb, 256> colours_{};
 };
 
 int Reader::Read(GifByteType* target, int count) {
@@ -132,7 +117,7 @@ void Reader::PutRow(const std::uint8_t* indices, ImageView canvas, int y) const 
 bool Reader::ReadRows(ImageView canvas) {
     const GifImageDesc& frame = gif_->Image;
     std::vector<std::uint8_t> indices(static_cast<std::size_t>(frame.Width));
-    for (const Pass& pass : PassesOf(frame.Interlace))
+    for (const GifPass& pass : GifPassesOf(frame.Interlace))
         for (int y = pass.first; y < frame.Height; y += pass.step) {
             if (DGifGetLine(gif_, indices.data(), frame.Width) == GIF_ERROR) return false;
             PutRow(indices.data(), canvas, frame.Top + y);
@@ -166,109 +151,11 @@ Result<Decoded> Reader::ReadFirstPicture(const DecodeOptions& options) {
                    .bitsPerPixel = map != nullptr ? map->BitsPerPixel : 8};
 }
 
-// ---- Writing --------------------------------------------------------------------------------
-
-class Writer {
-  public:
-    Writer() {
-        const auto write = [](GifFileType* gif, const GifByteType* data, int count) {
-            return static_cast<Writer*>(gif->UserData)->TryAppend(data, count) ? count : 0;
-        };
-        gif_ = EGifOpen(this, write, &openError_);
-    }
-    ~Writer() {
-        if (gif_ != nullptr) EGifCloseFile(gif_, nullptr);
-    }
-    Writer(const Writer&) = delete;
-    Writer& operator=(const Writer&) = delete;
-
-    Result<Bytes> Write(Size size, std::uint8_t* indices, const ColourTable& palette,
-                        bool interlaced);
-
-  private:
-    bool TryAppend(const GifByteType* data, int count) noexcept;
-    bool WriteHeader(Size size, const ColourTable& palette, bool interlaced);
-    bool WriteRows(Size size, std::uint8_t* indices, bool interlaced);
-    bool Close();
-
-    GifFileType* gif_ = nullptr;
-    int openError_ = 0;
-    Bytes file_;
-};
-
-bool Writer::TryAppend(const GifByteType* data, int count) noexcept {
-    try {
-        file_.insert(file_.end(), data, data + count);
-    } catch (const std::exception&) {
-        return false;
-    }
-    return true;
-}
-
-bool Writer::WriteHeader(Size size, const ColourTable& palette, bool interlaced) {
-    std::array<GifColorType, kMaxColours> colours{};
-    for (std::size_t i = 0; i < palette.size(); ++i)
-        colours[i] = {palette[i].red, palette[i].green, palette[i].blue};
-    ColorMapObject* map = GifMakeMapObject(kMaxColours, colours.data());
-    if (map == nullptr) return false;
-    EGifSetGifVersion(gif_, false);  // GIF87a: nothing of the later version is used
-    const bool done =
-        EGifPutScreenDesc(gif_, size.width, size.height, 8, 0, map) == GIF_OK &&
-        EGifPutImageDesc(gif_, 0, 0, size.width, size.height, interlaced, nullptr) == GIF_OK;
-    GifFreeMapObject(map);
-    return done;
-}
-
-bool Writer::WriteRows(Size size, std::uint8_t* indices, bool interlaced) {
-    for (const Pass& pass : PassesOf(interlaced))
-        for (int y = pass.first; y < size.height; y += pass.step) {
-            std::uint8_t* row =
-                indices + static_cast<std::size_t>(y) * static_cast<std::size_t>(size.width);
-            if (EGifPutLine(gif_, row, size.width) == GIF_ERROR) return false;
-        }
-    return true;
-}
-
-bool Writer::Close() {
-    GifFileType* gif = gif_;
-    gif_ = nullptr;
-    return EGifCloseFile(gif, &openError_) == GIF_OK;
-}
-
-Result<Bytes> Writer::Write(Size size, std::uint8_t* indices, const ColourTable& palette,
-                            bool interlaced) {
-    if (gif_ != nullptr && WriteHeader(size, palette, interlaced) &&
-        WriteRows(size, indices, interlaced) && Close())
-        return std::move(file_);
-    return Error{"GIF: not enough memory"};  // nothing else can fail
-}
-
 }  // namespace
 
 Result<Decoded> DecodeGif(ByteView file, const DecodeOptions& options) {
     Reader reader(file);
     return reader.ReadFirstPicture(options);
-}
-
-Result<Bytes> EncodeGif(ConstImageView image, const GifWriteOptions& options) {
-    if (image.Width() > kMaxSide || image.Height() > kMaxSide)
-        return Error{fmt::format("GIF: a side of more than {} pixels", kMaxSide)};
-    const PixelBuffer buffer = PixelBuffer::TryAllocate(image.Extent().Area());
-    if (!buffer) return Error{LastError()};
-    const std::span<std::uint8_t> indices(buffer.Data(), image.Extent().Area());
-
-    ColourTable palette;
-    if (options.palette == GifPalette::Uniform) {
-        palette = UniformPalette();
-        MapBestFit(image, palette, indices);
-    } else {
-        palette =
-            options.palette == GifPalette::Octree ? OctreePalette(image) : MedianCutPalette(image);
-        MapDiffused(image, palette,
-                    options.dither ? Diffusion::FourNeighbours : Diffusion::TwoNeighbours, indices);
-    }
-    Writer writer;
-    return writer.Write(image.Extent(), indices.data(), palette, options.interlaced);
 }
 
 }  // namespace lumo::imaging::codecs

@@ -53,7 +53,8 @@ tmsize_t TiffFile::Write(const void* source, tmsize_t count) noexcept {
     try {
         if (begin + bytes > output_.size()) {
             if (begin + bytes > output_.capacity())
-                output_.reserve(std::max(begin + bytes, output_.capacity() * 2));
+                output_.reserve(
+                    std::max({begin + bytes, output_.capacity() * 2, expectedBytes_ + 65536}));
             output_.resize(begin + bytes);
         }
     } catch (const std::exception&) {
@@ -111,9 +112,10 @@ std::unique_ptr<TiffFile> TiffFile::Open(ByteView file, std::size_t maxAllocatio
     return tiff;
 }
 
-std::unique_ptr<TiffFile> TiffFile::Create(bool big) {
+std::unique_ptr<TiffFile> TiffFile::Create(bool big, std::size_t expectedBytes) {
     std::unique_ptr<TiffFile> tiff(new TiffFile);
     tiff->writing_ = true;
+    tiff->expectedBytes_ = expectedBytes;
     tiff->Start(big ? "wl8" : "wl", 0);
     return tiff;
 }

@@ -16,8 +16,9 @@ class TiffFile {
     /// Opens a file for reading at its first picture; `file` must outlive the object.
     /// `maxAllocation` bounds each block that the library takes, in bytes.
     static std::unique_ptr<TiffFile> Open(ByteView file, std::size_t maxAllocation);
-    /// Starts an empty file; `big` chooses the variant with 64-bit offsets.
-    static std::unique_ptr<TiffFile> Create(bool big);
+    /// Starts an empty file; `big` chooses the variant with 64-bit offsets. `expectedBytes` of
+    /// pixels are made room for.
+    static std::unique_ptr<TiffFile> Create(bool big, std::size_t expectedBytes = 0);
 
     ~TiffFile();
     TiffFile(const TiffFile&) = delete;
@@ -55,6 +56,7 @@ class TiffFile {
     ByteView input_;
     Bytes output_;
     bool writing_ = false;
+    std::size_t expectedBytes_ = 0;
     std::uint64_t position_ = 0;
     std::string error_;
     std::string warning_;

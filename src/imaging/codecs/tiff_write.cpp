@@ -3,10 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <new>
+#include <vector>
 
 #include "imaging/codecs/codec.h"
+#include "imaging/codecs/lzw.h"
 #include "imaging/codecs/tiff_file.h"
+#include "imaging/parallel.h"
+#include "imaging/simd.h"
 
 namespace lumo::imaging::codecs {
 namespace {
@@ -56,13 +62,63 @@ bool WriteStrips(TIFF* tiff, ConstImageView image) {
     return true;
 }
 
+// ---- LZW -------------------------------------------------------------------------------------
+
+/// The first pixel as it is, then what each differs by from its left neighbour.
+LUMO_SIMD_CLONES void Differences(const std::uint8_t* row, std::size_t count, std::uint8_t* out) {
+    for (std::size_t i = 0; i < kChannels; ++i) out[i] = row[i];
+    for (std::size_t i = kChannels; i < count; ++i)
+        out[i] = static_cast<std::uint8_t>(row[i] - row[i - kChannels]);
+}
+
+Bytes PackedStrip(ConstImageView image, int first, int last) {
+    Bytes packed, differences(image.Stride());
+    LzwEncoder<LzwDialect::Tiff> encoder(packed);
+    for (int y = first; y < last; ++y) {
+        Differences(image.Row(y), image.Stride(), differences.data());
+        encoder.Add(differences);
+    }
+    encoder.Finish();
+    return packed;
+}
+
+// Strips know nothing of one another, so they are packed side by side and written in order.
+bool WriteLzwStrips(TIFF* tiff, ConstImageView image) {
+    const int rows = RowsPerStrip(image);
+    const int strips = (image.Height() + rows - 1) / rows;
+    std::vector<Bytes> packed(static_cast<std::size_t>(strips));
+    std::atomic<bool> failed = false;
+    ForRows(strips, static_cast<std::size_t>(rows) * image.Stride(), [&](int first, int last) {
+        try {
+            for (int i = first; i < last; ++i)
+                packed[static_cast<std::size_t>(i)] =
+                    PackedStrip(image, i * rows, std::min((i + 1) * rows, image.Height()));
+        } catch (const std::bad_alloc&) {
+            failed = true;
+        }
+    });
+    if (failed) return false;
+    for (std::uint32_t i = 0; i < packed.size(); ++i)
+        if (TIFFWriteRawStrip(tiff, i, packed[i].data(), static_cast<tmsize_t>(packed[i].size())) <
+            0)
+            return false;
+    return true;
+}
+
 }  // namespace
 
 Result<Bytes> EncodeTiff(ConstImageView image, const TiffWriteOptions& options) {
-    const auto file = TiffFile::Create(image.Bytes().size() > kClassicPixelBytes);
-    if (file->Handle() != nullptr && WriteFields(file->Handle(), image, options) &&
-        WriteStrips(file->Handle(), image))
-        if (Bytes bytes = file->Finish(); !bytes.empty()) return bytes;
+    const std::size_t bytes = image.Bytes().size();
+    const auto file = TiffFile::Create(bytes > kClassicPixelBytes, bytes);
+    TIFF* tiff = file->Handle();
+    try {
+        if (tiff != nullptr && WriteFields(tiff, image, options) &&
+            (options.compression == TiffCompression::Lzw ? WriteLzwStrips(tiff, image)
+                                                         : WriteStrips(tiff, image)))
+            if (Bytes whole = file->Finish(); !whole.empty()) return whole;
+    } catch (const std::bad_alloc&) {
+        return platform::Error{"TIF: not enough memory"};
+    }
     return platform::Error{
         fmt::format("TIF: {}", file->Failure().empty() ? "not enough memory" : file->Failure())};
 }
