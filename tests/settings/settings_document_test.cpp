@@ -148,6 +148,19 @@ TEST(ParseDocument, DeepNestsAreRefusedAndNotFollowed) {
     EXPECT_FALSE(ParseDocument("x = " + std::string(200'000, '{')));
 }
 
+TEST(ParseDocument, ANestOverManyLinesIsCountedAsOne) {
+    std::string dots = "a";
+    for (int n = 0; n < 900; ++n) dots += ".a";
+    std::string text = "x = [\n";
+    for (int n = 0; n < 100; ++n) text += "{" + dots + " = [\n";
+    for (int n = 0; n < 100; ++n) text += "]}\n";
+    const auto deep = ParseDocument(text + "]\n");
+    ASSERT_FALSE(deep);
+    EXPECT_THAT(deep.Message(), HasSubstr("dots"));
+    // Where all brackets are closed, each line counts for itself.
+    EXPECT_TRUE(ParseDocument("x = [[1], [2]]\n[y]\n" + dots + " = 1\n" + dots + "b = 1\n"));
+}
+
 TEST(ParseDocument, DotsInTextsAndCommentsAreNoNest) {
     const std::string dots(100'000, '.');
     const Document document = Parsed("a = \"" + dots + "\" # " + dots + "\nb = '" + dots +

@@ -83,6 +83,18 @@ TEST_F(Store, AFolderInThePlaceOfTheFileStopsNothing) {
     EXPECT_TRUE(fs::is_directory(file));
 }
 
+TEST_F(Store, ABrokenFileThatCannotBePutAsideIsNotOverwritten) {
+    PutFile(file, "broken [");
+    PutFile(file + ".broken", "");
+    for (int n = 2; n <= 1000; ++n) PutFile(file + ".broken-" + std::to_string(n), "");
+    const Settings settings = Opened();
+    EXPECT_EQ(FileText(file), "broken [");
+    ASSERT_EQ(messages.size(), 7U);
+    EXPECT_EQ(messages[1], "registry write error_2679");
+    EXPECT_EQ(SaveSettings(settings, SaveKind::Normal, kNow).size(), 7U);
+    EXPECT_EQ(FileText(file), "broken [");
+}
+
 TEST_F(Store, ReadOnlyChangesNothingOnDisk) {
     const Settings settings = Opened(StoreAccess::ReadOnly);
     EXPECT_THAT(messages, IsEmpty());
