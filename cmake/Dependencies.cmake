@@ -7,7 +7,6 @@ find_package(TIFF REQUIRED)
 find_package(GIF REQUIRED)
 find_package(fmt REQUIRED)
 find_package(CLI11 REQUIRED)
-pkg_check_modules(DEFLATE REQUIRED IMPORTED_TARGET libdeflate)
 pkg_check_modules(LIBRAW REQUIRED IMPORTED_TARGET libraw_r)
 # The library links its OpenMP run time itself; clang would look for another one.
 set_target_properties(PkgConfig::LIBRAW PROPERTIES INTERFACE_COMPILE_OPTIONS "" INTERFACE_LINK_OPTIONS "")

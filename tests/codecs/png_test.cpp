@@ -263,30 +263,6 @@ TEST(EncodePng, RoundTripsEverySize) {
         }
 }
 
-TEST(EncodePng, PicturesOfFewAndOfManyColoursComeBack) {
-    const Image images[] = {test::FlatImage({40, 30}, {9, 8, 7}), test::CoordinateImage({16, 16}),
-                            test::PhotoLikeImage({211, 97}), test::RandomImage({120, 50}, 8)};
-    for (const Image& image : images)
-        for (const bool interlaced : {false, true})
-            EXPECT_TRUE(test::SamePixels(
-                MustDecode(*EncodePng(image.View(), {.interlaced = interlaced})).image, image));
-}
-
-TEST(EncodePng, NeedsNoMemoryOfTheBudget) {
-    const Image image = test::RandomImage({1000, 700}, 2);  // two pieces
-    const Bytes whole = *EncodePng(image.View(), {});
-    for (const bool interlaced : {false, true}) {
-        Bytes file;
-        {
-            const test::ScopedMemoryBudget budget(1000);
-            file = *EncodePng(image.View(), {.interlaced = interlaced});
-        }
-        EXPECT_EQ(DataOf(file, "IDAT").size(), 3U);
-        EXPECT_TRUE(test::SamePixels(MustDecode(file).image, image));
-    }
-    EXPECT_EQ(DataOf(whole, "IDAT").size(), 1U);
-}
-
 TEST(EncodePng, HeaderSaysEightBitRgbAndAdam7) {
     const Image image = test::RandomImage({300, 2}, 1);
     using namespace std::string_literals;

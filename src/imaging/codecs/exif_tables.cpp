@@ -21,7 +21,6 @@ constexpr std::array kGroups{"Image"sv, "Photo"sv, "Iop"sv, "Thumbnail"sv, "GPSI
 static_assert(kGroups.size() == kExifTableCount);
 constexpr std::string_view kExifPrefix = "Exif\0\0"sv;
 constexpr std::uint16_t kMaker = 0x10F;
-constexpr std::uint16_t kMakerNote = 0x927C;  // a block in the maker's own format
 constexpr std::array<std::uint16_t, 3> kPointers{0x8769, 0x8825, 0xA005};  // to other tables
 constexpr std::uint16_t kFirstUtf16Tag = 0x9C9B, kLastUtf16Tag = 0x9C9F;
 constexpr std::size_t kMaxValueBytes = 200;
@@ -92,8 +91,8 @@ std::string ValueText(const Exiv2::Exifdatum& tag, const Exiv2::ExifData& all) {
     std::string text;
     if (tag.tag() >= kFirstUtf16Tag && tag.tag() <= kLastUtf16Tag) {
         text = TextOfUtf16(tag.value());
-    } else if (tag.tag() == kMakerNote || tag.size() > 16 * static_cast<long>(kMaxValueBytes)) {
-        text = fmt::format("({} bytes)", tag.size());  // nothing to read: tables of strips, too
+    } else if (tag.size() > 16 * static_cast<long>(kMaxValueBytes)) {
+        text = fmt::format("({} bytes)", tag.size());  // tables of strips, blocks of a maker
     } else {
         std::ostringstream stream;
         tag.write(stream, &all);

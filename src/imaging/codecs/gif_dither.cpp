@@ -11,9 +11,9 @@
 namespace lumo::imaging::codecs {
 namespace {
 
-std::uint32_t SquaredDistance(Rgb a, Rgb b) {
+int SquaredDistance(Rgb a, Rgb b) {
     const int red = a.red - b.red, green = a.green - b.green, blue = a.blue - b.blue;
-    return static_cast<std::uint32_t>(red * red + green * green + blue * blue);
+    return red * red + green * green + blue * blue;
 }
 
 }  // namespace
@@ -22,17 +22,18 @@ NearestColour::NearestColour(ColourTable palette)
     : palette_(std::move(palette)), cells_(std::size_t{1} << (3 * kSideBits)) {}
 
 std::uint8_t NearestColour::Best(const Cell& cell, Rgb colour) const {
-    // Distance above, index below: the least number is the first of the nearest, without a branch.
-    std::uint32_t least = std::numeric_limits<std::uint32_t>::max();
-    const Candidate* candidate = candidates_.data() + cell.first;
-    for (const Candidate* end = candidate + cell.count; candidate != end; ++candidate)
-        least = std::min(least, SquaredDistance(candidate->colour, colour) << 8 | candidate->index);
-    return static_cast<std::uint8_t>(least);
+    std::uint8_t best = candidates_[cell.first];
+    int least = SquaredDistance(palette_[best], colour);
+    for (std::uint32_t i = cell.first + 1; i < cell.first + cell.count; ++i) {
+        const int distance = SquaredDistance(palette_[candidates_[i]], colour);
+        if (distance < least) least = distance, best = candidates_[i];
+    }
+    return best;
 }
 
 // An entry can be nearest to some colour of the cell only if its least distance to the cell is no
 // more than the greatest distance of the entry for which that is smallest.
-const NearestColour::Cell& NearestColour::Explore(Rgb colour) {
+std::uint8_t NearestColour::Explore(Rgb colour) {
     const auto range = [](std::uint8_t value, std::uint8_t corner) {
         const int low = corner >> kCellBits << kCellBits;
         const int high = low + (1 << kCellBits) - 1;
@@ -52,9 +53,9 @@ const NearestColour::Cell& NearestColour::Explore(Rgb colour) {
     Cell& cell = cells_[CellOf(colour)];
     cell.first = static_cast<std::uint32_t>(candidates_.size());
     for (std::size_t i = 0; i < palette_.size(); ++i)
-        if (nearest[i] <= reach) candidates_.push_back({palette_[i], static_cast<std::uint8_t>(i)});
+        if (nearest[i] <= reach) candidates_.push_back(static_cast<std::uint8_t>(i));
     cell.count = static_cast<std::uint32_t>(candidates_.size()) - cell.first;
-    return cell;
+    return Best(cell, colour);
 }
 
 void MapBestFit(ConstImageView image, const ColourTable& palette, std::span<std::uint8_t> indices) {

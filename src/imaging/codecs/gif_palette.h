@@ -42,7 +42,8 @@ class NearestColour {
     /// Exact for every colour; cheap after the first one of a neighbourhood.
     std::uint8_t operator()(Rgb colour) {
         const Cell& cell = cells_[CellOf(colour)];
-        return Best(cell.count > 0 ? cell : Explore(colour), colour);
+        if (cell.count == 1) return candidates_[cell.first];
+        return cell.count == 0 ? Explore(colour) : Best(cell, colour);
     }
     Rgb ColourAt(std::uint8_t index) const { return palette_[index]; }
 
@@ -51,11 +52,7 @@ class NearestColour {
         std::uint32_t first = 0;  // into candidates_
         std::uint32_t count = 0;  // 0: not explored yet
     };
-    struct Candidate {
-        Rgb colour;
-        std::uint8_t index = 0;
-    };
-    static constexpr int kCellBits = 2;  // a cell is a cube of 4 x 4 x 4 colours
+    static constexpr int kCellBits = 3;  // a cell is a cube of 8 x 8 x 8 colours
     static constexpr int kSideBits = 8 - kCellBits;
 
     static std::size_t CellOf(Rgb c) {
@@ -64,11 +61,11 @@ class NearestColour {
                static_cast<std::size_t>(c.blue >> kCellBits);
     }
     std::uint8_t Best(const Cell& cell, Rgb colour) const;
-    const Cell& Explore(Rgb colour);
+    std::uint8_t Explore(Rgb colour);
 
     ColourTable palette_;
     std::vector<Cell> cells_;
-    std::vector<Candidate> candidates_;
+    std::vector<std::uint8_t> candidates_;
 };
 
 /// Each pixel as the nearest entry. `indices` holds width * height bytes, rows from the top.

@@ -1,15 +1,18 @@
-// PNG for reading, through libpng.
+// PNG through libpng.
 //
 // The library leaves a failed call by longjmp, which runs no destructor. All that owns memory
-// therefore lives in the reader, and the lambdas given to Guarded hold
+// therefore lives in the reader and writer objects, and the lambdas given to Guarded hold
 // trivial locals only.
 
 #include <fmt/format.h>
 #include <png.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <csetjmp>
 #include <cstring>
+#include <exception>
 
 #include "imaging/codecs/decoders.h"
 #include "imaging/last_error.h"
@@ -21,6 +24,9 @@ using platform::Error;
 
 constexpr std::size_t kMaxChunkMemory = std::size_t{8} << 20;  // bytes; no pixel chunk needs it
 constexpr int kMaxChunksKept = 1000;
+// Photographs: within 1 % of the size that level 6 gives, in a third of its time.
+constexpr int kCompressionLevel = 3;
+constexpr std::size_t kMaxKeyBytes = 79;
 
 /// The error handling of one file: nothing is printed, a failure jumps back into Guarded.
 struct Messages {
@@ -56,6 +62,8 @@ bool Guarded(png_structp png, const Body& body) {
     body();
     return true;
 }
+
+// ---- Reading --------------------------------------------------------------------------------
 
 class Reader {
   public:
@@ -169,11 +177,123 @@ Result<Decoded> Reader::Read(const DecodeOptions& options) {
     return decoded;
 }
 
+// ---- Writing --------------------------------------------------------------------------------
+
+// A keyword is 1 to 79 printable Latin-1 characters without leading, trailing or double blanks.
+std::string CleanKey(std::string_view key) {
+    std::string clean;
+    for (const char c : key) {
+        const auto code = static_cast<unsigned char>(c);
+        const bool printable = (code > 32 && code < 127) || code > 160;
+        if (printable)
+            clean += c;
+        else if (!clean.empty() && clean.back() != ' ')
+            clean += ' ';
+    }
+    if (clean.size() > kMaxKeyBytes) clean.resize(kMaxKeyBytes);
+    if (clean.ends_with(' ')) clean.pop_back();
+    return clean;
+}
+
+class Writer {
+  public:
+    Writer()
+        : png_(png_create_write_struct(PNG_LIBPNG_VER_STRING, &messages_, OnFailure, OnWarning)),
+          info_(png_ != nullptr ? png_create_info_struct(png_) : nullptr) {}
+    ~Writer() { png_destroy_write_struct(&png_, &info_); }
+    Writer(const Writer&) = delete;
+    Writer& operator=(const Writer&) = delete;
+
+    Result<Bytes> Write(ConstImageView image, const PngWriteOptions& options);
+
+  private:
+    bool TryAppend(const std::uint8_t* data, std::size_t count) noexcept;
+    void CollectOutput();
+    void WriteHeader(Size size, const PngWriteOptions& options);
+    void WriteRows(ConstImageView image);
+
+    Messages messages_;
+    png_structp png_;
+    png_infop info_;
+    std::vector<std::pair<std::string, std::string>> texts_;
+    Bytes file_;
+};
+
+bool Writer::TryAppend(const std::uint8_t* data, std::size_t count) noexcept {
+    try {
+        file_.insert(file_.end(), data, data + count);
+    } catch (const std::exception&) {
+        return false;
+    }
+    return true;
+}
+
+void Writer::CollectOutput() {
+    const auto append = [](png_structp png, png_bytep data, std::size_t count) {
+        if (!static_cast<Writer*>(png_get_io_ptr(png))->TryAppend(data, count))
+            png_error(png, "not enough memory");
+    };
+    png_set_write_fn(png_, this, append, [](png_structp) {});
+}
+
+void Writer::WriteHeader(Size size, const PngWriteOptions& options) {
+    png_set_compression_level(png_, kCompressionLevel);
+    png_set_IHDR(png_, info_, static_cast<png_uint_32>(size.width),
+                 static_cast<png_uint_32>(size.height), 8, PNG_COLOR_TYPE_RGB,
+                 options.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    // The file holds gamma times 100000, of which the library takes 16 to 625000000.
+    if (options.gamma > 0) png_set_gAMA(png_, info_, std::clamp(options.gamma, 0.00016, 6250.0));
+    if (options.dotsPerMetre > 0) {
+        const double dots = std::round(std::clamp(options.dotsPerMetre, 1.0, 2147483647.0));
+        const auto whole = static_cast<png_uint_32>(dots);
+        png_set_pHYs(png_, info_, whole, whole, PNG_RESOLUTION_METER);
+    }
+    for (auto& [key, text] : texts_) {
+        png_text entry{};
+        entry.compression = PNG_TEXT_COMPRESSION_NONE;
+        entry.key = key.data();
+        entry.text = text.data();
+        entry.text_length = text.size();
+        png_set_text(png_, info_, &entry, 1);
+    }
+    png_write_info(png_, info_);
+}
+
+void Writer::WriteRows(ConstImageView image) {
+    for (int pass = png_set_interlace_handling(png_); pass > 0; --pass)
+        for (int y = 0; y < image.Height(); ++y) png_write_row(png_, image.Row(y));
+    png_write_end(png_, nullptr);
+}
+
+Result<Bytes> Writer::Write(ConstImageView image, const PngWriteOptions& options) {
+    if (info_ == nullptr) return Error{"PNG: not enough memory"};
+    for (const auto& [key, text] : options.texts) {
+        std::string clean = CleanKey(key);
+        if (clean.empty()) continue;
+        texts_.emplace_back(std::move(clean), text);
+        std::ranges::replace(texts_.back().second, '\0', ' ');  // NUL would end the text
+    }
+    file_.reserve(image.Extent().Area());
+    const bool done = Guarded(png_, [&] {
+        CollectOutput();
+        WriteHeader(image.Extent(), options);
+        WriteRows(image);
+    });
+    if (!done) return FailureOf(messages_);
+    return std::move(file_);
+}
+
 }  // namespace
 
 Result<Decoded> DecodePng(ByteView file, const DecodeOptions& options) {
     Reader reader(file);
     return reader.Read(options);
+}
+
+Result<Bytes> EncodePng(ConstImageView image, const PngWriteOptions& options) {
+    Writer writer;
+    return writer.Write(image, options);
 }
 
 }  // namespace lumo::imaging::codecs

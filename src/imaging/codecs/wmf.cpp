@@ -1,7 +1,9 @@
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cmath>
 
 #include "imaging/codecs/decoders.h"
-#include "imaging/codecs/metafile/render.h"
 #include "imaging/codecs/metafile/single_bitmap.h"
 #include "imaging/codecs/metafile/wmf_player.h"
 
@@ -26,13 +28,25 @@ std::optional<Fit> FitDrawing(const WmfFile& file, const DecodeOptions& options)
     return Fit{size, BoxToBox(ink, {0, 0, size.x, size.y})};
 }
 
+Size WholePixels(Point size) {
+    const auto whole = [](double v) {
+        return static_cast<int>(std::clamp(std::round(v), 1.0, 1e9));
+    };
+    return {whole(size.x), whole(size.y)};
+}
+
 }  // namespace
 
 Result<Decoded> DecodeWmf(ByteView bytes, const DecodeOptions& options) {
     const auto file = OpenWmf(bytes);
     if (!file) return platform::Error{"not a Windows metafile"};
-    const Format format = file->box ? Format::Apm : Format::Wmf;
-    if (const auto bitmap = SingleBitmapOf(*file, options)) return CopyBitmap(*bitmap, format);
+    Decoded decoded{.format = file->box ? Format::Apm : Format::Wmf};
+    if (const auto bitmap = SingleBitmapOf(*file, options)) {
+        auto image = ToImage(*bitmap);
+        if (!image) return platform::Error{"not enough memory"};
+        decoded.image = std::move(*image);
+        return decoded;
+    }
     Transform base;
     auto stated = file->StatedSize(options.metafileHint);
     if (!stated) {
@@ -42,9 +56,22 @@ Result<Decoded> DecodeWmf(ByteView bytes, const DecodeOptions& options) {
         base = fit->base;
     }
     const Size size = WholePixels(*stated);
-    return Render(size, options.limits, format, [&](Canvas& canvas) {
-        return PlayWmf(*file, canvas, size, base, options);
-    });
+    constexpr int kBytesPerPixel = 4 + 4 + kChannels;  // canvas, layer, picture
+    if (auto reason = RefuseSize(size.width, size.height, kBytesPerPixel, options.limits);
+        !reason.empty())
+        return platform::Error{std::move(reason)};
+    if (std::max(size.width, size.height) > kCairoMaxSide)
+        return platform::Error{fmt::format("a drawing of {} x {} is larger than {} pixels a side",
+                                           size.width, size.height, kCairoMaxSide)};
+    auto canvas = Canvas::Create(size);
+    if (!canvas) return platform::Error{"not enough memory"};
+    if (!PlayWmf(*file, *canvas, size, base, options)) decoded.warning = "the metafile is cut short";
+    if (canvas->IsExhausted())
+        decoded.warning = "the metafile asks for too much drawing; the rest is left out";
+    auto image = canvas->TakeImage();
+    if (!image) return platform::Error{"not enough memory"};
+    decoded.image = std::move(*image);
+    return decoded;
 }
 
 }  // namespace lumo::imaging::codecs

@@ -40,9 +40,7 @@ Span Overlap(double start, double end, int extent) {
 Box SourceBox(const Bitmap& bitmap, Point from, Point size) {
     const Point whole{static_cast<double>(bitmap.size.width),
                       static_cast<double>(bitmap.size.height)};
-    const Point rest = whole - from;
-    const bool inside = from.x >= 0 && from.y >= 0 && rest.x > 0 && rest.y > 0;
-    if (inside && size.x > whole.x && size.y > whole.y) size = rest;
+    if (from == Point{} && size.x > whole.x && size.y > whole.y) size = whole;
     return {from.x, from.y, from.x + size.x, from.y + size.y};
 }
 

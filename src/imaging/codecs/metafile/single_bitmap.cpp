@@ -3,8 +3,6 @@
 #include <cmath>
 
 #include "imaging/codecs/metafile/byte_reader.h"
-#include "imaging/codecs/metafile/emf_objects.h"
-#include "imaging/codecs/metafile/emf_records.h"
 #include "imaging/codecs/metafile/wmf_records.h"
 
 namespace lumo::imaging::codecs::metafile {
@@ -79,51 +77,6 @@ std::optional<Bitmap> SingleBitmapOf(const WmfFile& file, const DecodeOptions& o
         return std::nullopt;
     }
     return DecodePackedDib(facts.dib, facts.table, {}, options);
-}
-
-std::optional<Bitmap> SingleBitmapOf(const EmfFile& file, const DecodeOptions& options) {
-    // Logical units are pixels of the device in such a file: records that change that make it one
-    // to be drawn.
-    int bitmaps = 0;
-    bool other = false;
-    Box target, source;
-    std::uint32_t usage = 0;
-    EmfBitmapPlace place;
-    ByteView found;
-    const bool complete = ForEachEmfRecord(file.bytes, [&](EmfType type, ByteView bytes) {
-        switch (type) {
-            case EmfType::Header:
-            case EmfType::SetStretchMode:
-            case EmfType::SetBrushOrigin: return true;
-            case EmfType::StretchDib: break;
-            default: other = true; return false;
-        }
-        ByteReader record(bytes);
-        record.Skip(24);
-        const Point at = ReadPoint(record), from = ReadPoint(record), size = ReadPoint(record);
-        source = {from.x, from.y, from.x + size.x, from.y + size.y};
-        place = ReadBitmapPlace(record);
-        usage = record.U32();
-        other = record.U32() >> 16 != kSourceCopy || ++bitmaps > 1;
-        const Point targetSize = ReadPoint(record);
-        target = {at.x, at.y, at.x + targetSize.x, at.y + targetSize.y};
-        found = bytes;
-        return !other && record.IsGood();
-    });
-    if (!complete || other || bitmaps != 1 || usage != 0 || place.infoAt > found.size())
-        return std::nullopt;
-    const auto header = ReadDibHeader(found.subspan(place.infoAt), ColourTable::Rgb);
-    if (!header) return std::nullopt;
-    const Box own{0, 0, static_cast<double>(header->width), static_cast<double>(header->height)};
-    const Point stated = file.StatedSize();
-    if (source != own || std::round(stated.x) != own.right || std::round(stated.y) != own.bottom)
-        return std::nullopt;
-    Path corners;
-    corners.AddBox(target);
-    corners.Map(file.Base({header->width, header->height}));
-    const Box covered = corners.Bounds();
-    if (covered.IsEmpty() || SnapToPixels(covered) != own) return std::nullopt;
-    return ReadBitmap(ByteReader(found), place, ColourTable::Rgb, {}, options);
 }
 
 std::optional<Image> ToImage(const Bitmap& bitmap) {

@@ -5,7 +5,6 @@
 
 #include <optional>
 
-#include "imaging/codecs/metafile/emf_player.h"
 #include "imaging/codecs/metafile/wmf_player.h"
 
 namespace lumo::imaging::codecs::metafile {
@@ -13,10 +12,6 @@ namespace lumo::imaging::codecs::metafile {
 /// The bitmap, if the file draws it once, whole and unchanged, over its whole window or box, and
 /// states the bitmap's own size: by its box, or by a window of one unit for each pixel.
 std::optional<Bitmap> SingleBitmapOf(const WmfFile& file, const DecodeOptions& options);
-
-/// The bitmap, if the file draws it once, whole and unchanged, over its whole frame, and the frame
-/// states the bitmap's own size.
-std::optional<Bitmap> SingleBitmapOf(const EmfFile& file, const DecodeOptions& options);
 
 /// A picture of the bitmap; nothing if the memory budget is spent.
 std::optional<Image> ToImage(const Bitmap& bitmap);

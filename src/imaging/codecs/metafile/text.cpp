@@ -5,6 +5,7 @@
 #include <pango/pangocairo.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cmath>
 #include <memory>
@@ -34,36 +35,40 @@ constexpr double kLargestFont = 20'000;  // pixels
 constexpr double kLargestGlyph = 200;    // pixels; larger letters are drawn as outlines
 constexpr std::size_t kLongestText = 20'000;  // bytes of one record
 
-// What stands in for faces that are not installed, by the beginning of their names in lower case:
-// the family whose letters come nearest in shape and width.
-constexpr std::pair<std::string_view, std::string_view> kStandIns[] = {
-    {"times", "Times New Roman"},    {"tms rmn", "Times New Roman"},
-    {"ms serif", "Times New Roman"}, {"roman", "Times New Roman"},
-    {"garamond", "Times New Roman"}, {"georgia", "Times New Roman"},
-    {"cambria", "Times New Roman"},  {"palatino", "Times New Roman"},
-    {"bookman", "Times New Roman"},  {"book antiqua", "Times New Roman"},
-    {"century", "Times New Roman"},  {"minion", "Times New Roman"},
-    {"verdana", "DejaVu Sans"},      {"lucida sans", "DejaVu Sans"},
-    {"courier", "Courier New"},      {"fixedsys", "Courier New"},
-    {"terminal", "Courier New"},     {"consolas", "Courier New"},
-    {"lucida console", "Courier New"},
-};
+// Faces of old systems, and what took their place.
+std::string_view ModernFace(std::string_view face) {
+    constexpr std::array<std::pair<std::string_view, std::string_view>, 11> kFaces = {{
+        {"helv", "Arial"},
+        {"helvetica", "Arial"},
+        {"ms sans serif", "Arial"},
+        {"ms shell dlg", "Arial"},
+        {"system", "Arial"},
+        {"tms rmn", "Times New Roman"},
+        {"ms serif", "Times New Roman"},
+        {"times", "Times New Roman"},
+        {"courier", "Courier New"},
+        {"fixedsys", "Courier New"},
+        {"terminal", "Courier New"},
+    }};
+    std::string lower(face);
+    std::ranges::transform(lower, lower.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    for (const auto& [old, modern] : kFaces)
+        if (lower == old) return modern;
+    return face;
+}
 
-// The face, its stand-in, and the family that its class names.
+// The face, then the family that its class names; the system's fonts come last by themselves.
 std::string Families(const Font& font) {
-    constexpr std::string_view kSerif = "Times New Roman,Serif";
-    if (IsSymbolFace(font.face)) return std::string(kSerif);
-    std::string families, lower;
-    for (const char c : font.face) {
-        const auto byte = static_cast<unsigned char>(c);
-        families.push_back(c == ',' || byte < ' ' ? ' ' : c);
-        lower.push_back(static_cast<char>(std::tolower(byte)));
+    std::string families;
+    if (!font.face.empty() && !IsSymbolFace(font.face)) {
+        for (const char c : ModernFace(font.face))
+            families.push_back(c == ',' || static_cast<unsigned char>(c) < ' ' ? ' ' : c);
+        families += ',';
     }
-    if (!families.empty()) families += ',';
-    for (const auto& [start, standIn] : kStandIns)
-        if (lower.starts_with(start)) families.append(standIn).push_back(',');
     const int family = font.pitchAndFamily >> 4, pitch = font.pitchAndFamily & 3;
-    if (family == 1) return families.append(kSerif);
+    if (IsSymbolFace(font.face) || family == 1)
+        return families + "Times New Roman,Serif";
     if (family == 3 || (family == 0 && pitch == 1)) return families + "Courier New,Monospace";
     return families + "Arial,Sans";
 }
@@ -218,9 +223,7 @@ void DeviceContext::DrawText(const TextCall& call) {
     const double across = std::hypot(letters.xx, letters.yx);
     if (!letters.IsFinite() || !(scale > 0) || !(across > 0) || !(scale < 1e6)) return;
     letters = {letters.xx / scale, letters.yx / scale, letters.xy / scale, letters.yy / scale, 0, 0};
-    // The angle runs from the x axis towards the y axis of the logical units, where that is up.
-    const double sense = !turned && ToCanvas().Determinant() < 0 ? 1 : -1;
-    const double angle = sense * state_.font.escapement * std::numbers::pi / 1800;
+    const double angle = -state_.font.escapement * std::numbers::pi / 1800;
     const Transform turn{std::cos(angle), std::sin(angle), -std::sin(angle), std::cos(angle), 0, 0};
     letters = turned ? Compose(letters, turn) : Compose(turn, letters);
 
