@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "imaging/last_error.h"
 #include "imaging/parallel.h"
 
 namespace lumo::imaging {
@@ -19,38 +20,46 @@ bool HasPixels(Rect rect) {
 
 }  // namespace
 
-void FillSolidRect(ImageView image, Rect rect, Rgb colour) {
-    const Rect inside = Intersection(rect, image.Extent());
-    if (!HasPixels(inside)) return;
+bool FillSolidRect(ImageView target, Rect rect, Rgb colour) {
+    if (target.IsEmpty()) {
+        SetLastError("there is no picture to fill");
+        return false;
+    }
+    const Rect inside = Intersection(rect, target.Extent());
+    if (!HasPixels(inside)) return true;
     const std::size_t bytes = StrideOf({inside.right - inside.left, 1});
-    std::uint8_t* const top = image.At(inside.left, inside.top);
+    std::uint8_t* const top = target.At(inside.left, inside.top);
     const std::uint8_t pixel[kChannels] = {colour.red, colour.green, colour.blue};
     std::memcpy(top, pixel, kChannels);
     for (std::size_t done = kChannels; done < bytes; done *= 2)
         std::memcpy(top + done, top, std::min(done, bytes - done));
     ForRows(inside.bottom - inside.top - 1, bytes, [&](int first, int last) {
         for (int y = first; y < last; ++y)
-            std::memcpy(image.At(inside.left, inside.top + 1 + y), top, bytes);
+            std::memcpy(target.At(inside.left, inside.top + 1 + y), top, bytes);
     });
+    return true;
 }
 
-void OverlayImage(ImageView destination, ConstImageView source, int x, int y) {
-    if (source.IsEmpty() || destination.IsEmpty()) return;
+bool OverlayImage(ImageView destination, ConstImageView source, int x, int y) {
+    if (destination.IsEmpty() || source.IsEmpty()) {
+        SetLastError("there is no picture to overlay");
+        return false;
+    }
     // 64 bits: a place far outside plus a size may leave 32.
     const auto clip = [](std::int64_t at, std::int64_t extent, std::int64_t limit) {
         const std::int64_t begin = std::max<std::int64_t>(at, 0);
         const std::int64_t end = std::min(at + extent, limit);
-        return std::pair(static_cast<int>(std::min(begin, limit)),
-                         static_cast<int>(std::max<std::int64_t>(end, 0)));
+        return std::pair(static_cast<int>(begin), static_cast<int>(std::max<std::int64_t>(end, 0)));
     };
     const auto [left, right] = clip(x, source.Width(), destination.Width());
     const auto [top, bottom] = clip(y, source.Height(), destination.Height());
-    if (!HasPixels({left, top, right, bottom})) return;
+    if (!HasPixels({left, top, right, bottom})) return true;
     const std::size_t bytes = StrideOf({right - left, 1});
     ForRows(bottom - top, 2 * bytes, [&, firstX = left, firstY = top](int first, int last) {
         for (int row = firstY + first; row < firstY + last; ++row)
             std::memcpy(destination.At(firstX, row), source.At(firstX - x, row - y), bytes);
     });
+    return true;
 }
 
 }  // namespace lumo::imaging

@@ -1,17 +1,19 @@
 #pragma once
 
-// Laying colours and pictures over a picture.
+// Laying colour and pictures on a picture.
 
 #include "imaging/image.h"
 
 namespace lumo::imaging {
 
-/// Gives every pixel of the rectangle (right and bottom exclusive) that lies inside of the picture
-/// that colour. Nothing happens for an empty rectangle or one outside.
-void FillSolidRect(ImageView image, Rect rect, Rgb colour);
+/// Gives every pixel of the rectangle, right and bottom exclusive, that colour. What lies outside
+/// of the picture is left out; an empty rectangle changes nothing. False, with LastError() set,
+/// only if there is no picture.
+[[nodiscard]] bool FillSolidRect(ImageView target, Rect rect, Rgb colour);
 
-/// Copies the source so that its top left pixel lies at (x, y), which may be negative; what falls
-/// outside of the destination is left out. The views must not overlap.
-void OverlayImage(ImageView destination, ConstImageView source, int x, int y);
+/// Lays the source on the destination with its upper left pixel at (x, y), at full opacity. What
+/// would lie outside of the destination is left out. False, with LastError() set, only if one of
+/// the two has no pixels. The views must not overlap.
+[[nodiscard]] bool OverlayImage(ImageView destination, ConstImageView source, int x, int y);
 
 }  // namespace lumo::imaging

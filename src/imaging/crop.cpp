@@ -17,7 +17,7 @@ bool CropImage(ConstImageView source, Rect rect, ImageView target) {
         return false;
     }
     if (target.Extent() != rect.Extent()) {
-        SetLastError("the target has not the size of the rectangle to crop");
+        SetLastError("the target does not have the size of the rectangle to crop");
         return false;
     }
     const std::size_t bytes = target.Stride();

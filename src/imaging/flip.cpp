@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "imaging/last_error.h"
 #include "imaging/parallel.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -57,14 +58,24 @@ namespace lumo::imaging {
 
 HWY_EXPORT(ReverseRow);
 
-void FlipHorizontal(ImageView image) {
+namespace {
+bool RefuseEmpty(ConstImageView image) {
+    if (image.IsEmpty()) SetLastError("there is no picture to flip");
+    return image.IsEmpty();
+}
+}  // namespace
+
+bool HorizontalFlipImage(ImageView image) {
+    if (RefuseEmpty(image)) return false;
     const auto width = static_cast<std::size_t>(image.Width());
     ForRows(image.Height(), 2 * image.Stride(), [&](int first, int last) {
         for (int y = first; y < last; ++y) HWY_DYNAMIC_DISPATCH(ReverseRow)(image.Row(y), width);
     });
+    return true;
 }
 
-void FlipVertical(ImageView image) {
+bool VerticalFlipImage(ImageView image) {
+    if (RefuseEmpty(image)) return false;
     constexpr std::size_t kBlock = 4096;
     const std::size_t bytes = image.Stride();
     ForRows(image.Height() / 2, 4 * bytes, [&](int first, int last) {
@@ -80,6 +91,7 @@ void FlipVertical(ImageView image) {
             }
         }
     });
+    return true;
 }
 
 }  // namespace lumo::imaging

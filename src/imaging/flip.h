@@ -4,10 +4,13 @@
 
 namespace lumo::imaging {
 
-/// Mirrors the picture in place, left to right. Doing it twice gives the same bytes.
-void FlipHorizontal(ImageView image);
+// In place; doing it twice gives the same bytes. False, with LastError() set, only if there is no
+// picture.
 
-/// Mirrors the picture in place, top to bottom. Doing it twice gives the same bytes.
-void FlipVertical(ImageView image);
+/// Mirrors left and right.
+[[nodiscard]] bool HorizontalFlipImage(ImageView image);
+
+/// Mirrors top and bottom.
+[[nodiscard]] bool VerticalFlipImage(ImageView image);
 
 }  // namespace lumo::imaging

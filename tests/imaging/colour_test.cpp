@@ -5,8 +5,11 @@
 #include <array>
 #include <climits>
 #include <cmath>
-#include <cstring>
+#include <string>
+#include <vector>
 
+#include "imaging/last_error.h"
+#include "imaging/parallel.h"
 #include "support/simd_targets.h"
 #include "support/test_images.h"
 
@@ -76,8 +79,7 @@ TEST(Hsl, AbsurdValuesGiveSomePixelAndNoOverflow) {
         HslToRgb({value, value, value});
         EXPECT_TRUE(adjusted.saturation >= 0 && adjusted.saturation <= 100) << value;
     }
-    EXPECT_EQ(HslToRgb({0, 0, 1000}), (Rgb{255, 255, 255}));
-    EXPECT_EQ(HslToRgb({0, 0, -1000}), (Rgb{0, 0, 0}));
+    EXPECT_EQ(HslToRgb({0, 0, 101}), (Rgb{1, 1, 1}));  // 257.55: the low 8 bits of 257
 }
 
 TEST(HslToRgb, Hue360IsHue0) {
@@ -116,7 +118,7 @@ TEST(ImageToGrayScale, IsTheLumaOfEveryColourThereIs) {
     for (int red = 0; red < 256; ++red) {
         const Image source = AllColours(red);
         Image grey = test::Copy(source.View());
-        ImageToGrayScale(grey.View());
+        ASSERT_TRUE(ImageToGrayScale(grey.View()));
         for (int y = 0; y < 256; ++y)
             for (int x = 0; x < 256; ++x) {
                 const std::uint8_t luma = PlainLuma(source.View().Pixel(x, y));
@@ -125,45 +127,111 @@ TEST(ImageToGrayScale, IsTheLumaOfEveryColourThereIs) {
     }
 }
 
-TEST(ImageToGrayScale, WorksOnRowsOfAnyLengthWithEveryInstructionSet) {
-    for (const int width : {1, 2, 15, 16, 17, 33, 63, 64, 65, 130}) {
+constexpr int kWidths[] = {1, 2, 5, 15, 16, 17, 21, 22, 43, 63, 64, 65, 129, 300, 5000};
+
+TEST(Luma, IsTheSameForEveryLengthAndInstructionSet) {
+    for (const int width : kWidths) {
         const Image source = test::RandomImage({width, 3}, 5);
+        const std::size_t area = source.View().Extent().Area();
+        std::vector<std::uint8_t> expected;
+        std::array<std::uint64_t, 256> counts{};
+        for (int y = 0; y < 3; ++y)
+            for (int x = 0; x < width; ++x) {
+                expected.push_back(PlainLuma(source.View().Pixel(x, y)));
+                ++counts[expected.back()];
+            }
         test::ForEachSimdTarget([&](const std::string& name) {
+            SCOPED_TRACE(name + ", width " + std::to_string(width));
             Image grey = test::Copy(source.View());
-            ImageToGrayScale(grey.View());
-            for (int y = 0; y < 3; ++y)
-                for (int x = 0; x < width; ++x)
-                    ASSERT_EQ(grey.View().Pixel(x, y).green, PlainLuma(source.View().Pixel(x, y)))
-                        << name << ", " << x << " of " << width;
+            ASSERT_TRUE(ImageToGrayScale(grey.View()));
+            for (std::size_t i = 0; i < area; ++i)
+                ASSERT_EQ(grey.View().Bytes()[3 * i + 1], expected[i]) << i;
+            std::vector<std::uint8_t> luma(area);
+            ASSERT_TRUE(ImageToGrayScale8Bit(source.View(), luma));
+            EXPECT_EQ(luma, expected);
+            EXPECT_EQ(LumaHistogram(source.View()), counts);
         });
     }
 }
 
-TEST(ApplyLuts, ReplacesEachChannelByItsTable) {
-    std::array<std::uint8_t, 256> red{}, green{}, blue{};
-    for (std::size_t i = 0; i < 256; ++i) {
-        red[i] = static_cast<std::uint8_t>(255 - i);
-        green[i] = static_cast<std::uint8_t>(i * 7 + 3);
-        blue[i] = static_cast<std::uint8_t>(i / 2);
+struct Tables {
+    Lut red{}, green{}, blue{};
+    Tables() {
+        for (std::size_t i = 0; i < 256; ++i) {
+            red[i] = static_cast<std::uint8_t>(255 - i);
+            green[i] = static_cast<std::uint8_t>(i * 7 + 3);
+            blue[i] = static_cast<std::uint8_t>(i / 2);
+        }
     }
-    for (const int width : {1, 2, 5, 21, 22, 43, 64, 65, 129, 300}) {
+};
+
+TEST(ApplyLUTsToImage, ReplacesEachChannelByItsTable) {
+    const Tables tables;
+    for (const int width : kWidths) {
         const Image source = test::RandomImage({width, 3}, 5);
         for (int mask = 0; mask < 8; ++mask)
             test::ForEachSimdTarget([&](const std::string& name) {
-                const bool on[] = {(mask & 1) != 0, (mask & 2) != 0, (mask & 4) != 0};
+                const LutSet luts{(mask & 1) != 0 ? &tables.red : nullptr,
+                                  (mask & 2) != 0 ? &tables.green : nullptr,
+                                  (mask & 4) != 0 ? &tables.blue : nullptr};
                 Image image = test::Copy(source.View());
-                ApplyLuts(image.View(), on[0] ? red.data() : nullptr,
-                          on[1] ? green.data() : nullptr, on[2] ? blue.data() : nullptr);
+                ASSERT_TRUE(ApplyLUTsToImage(image.View(), luts));
                 for (int y = 0; y < 3; ++y)
                     for (int x = 0; x < width; ++x) {
                         const Rgb p = source.View().Pixel(x, y);
-                        const Rgb expected{on[0] ? red[p.red] : p.red,
-                                           on[1] ? green[p.green] : p.green,
-                                           on[2] ? blue[p.blue] : p.blue};
+                        const Rgb expected{luts.red ? tables.red[p.red] : p.red,
+                                           luts.green ? tables.green[p.green] : p.green,
+                                           luts.blue ? tables.blue[p.blue] : p.blue};
                         ASSERT_EQ(image.View().Pixel(x, y), expected) << name << ", " << x;
                     }
             });
     }
+}
+
+TEST(ToneGrayScale, LooksTheLumaUp) {
+    const Tables tables;
+    for (const int width : kWidths) {
+        const Image source = test::RandomImage({width, 3}, 6);
+        Image image = test::Copy(source.View());
+        ASSERT_TRUE(ToneGrayScale(image.View(), {&tables.red, &tables.green, &tables.blue}));
+        for (int y = 0; y < 3; ++y)
+            for (int x = 0; x < width; ++x) {
+                const std::uint8_t luma = PlainLuma(source.View().Pixel(x, y));
+                const Rgb expected{tables.red[luma], tables.green[luma], tables.blue[luma]};
+                ASSERT_EQ(image.View().Pixel(x, y), expected) << x << " of " << width;
+            }
+    }
+}
+
+TEST(RGBToBGR, ExchangesTheOuterChannels) {
+    const Image source = test::CoordinateImage({9, 4});
+    Image image = test::Copy(source.View());
+    ASSERT_TRUE(RGBToBGR(image.View()));
+    EXPECT_EQ(image.View().Pixel(8, 3), (Rgb{7, 3, 8}));
+    ASSERT_TRUE(RGBToBGR(image.View()));
+    EXPECT_TRUE(test::SamePixels(image, source));
+}
+
+TEST(Colour, OperationsOnPicturesRefuseNone) {
+    ClearLastError();
+    EXPECT_FALSE(ApplyLUTsToImage({}, {}));
+    EXPECT_EQ(LastError(), "the picture is empty");
+    EXPECT_FALSE(ImageToGrayScale({}));
+    EXPECT_FALSE(ToneGrayScale({}, {}));
+    EXPECT_FALSE(ImageToGrayScale8Bit({}, {}));
+    EXPECT_FALSE(RGBToBGR({}));
+}
+
+TEST(Colour, SeveralThreadsGiveTheSameBytes) {
+    const Tables tables;
+    const Image source = test::RandomImage({1500, 1200}, 2);
+    Image one = test::Copy(source.View());
+    ASSERT_TRUE(ToneGrayScale(one.View(), {&tables.red, &tables.green, &tables.blue}));
+    SetKernelThreads(4);
+    Image four = test::Copy(source.View());
+    ASSERT_TRUE(ToneGrayScale(four.View(), {&tables.red, &tables.green, &tables.blue}));
+    SetKernelThreads(1);
+    EXPECT_TRUE(test::SamePixels(four, one));
 }
 
 }  // namespace

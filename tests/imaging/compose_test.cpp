@@ -4,6 +4,7 @@
 
 #include <climits>
 
+#include "imaging/last_error.h"
 #include "support/test_images.h"
 
 namespace lumo::imaging {
@@ -22,7 +23,7 @@ TEST(FillSolidRect, FillsWhatLiesInside) {
           Rect{3, 3, 3, 8}, Rect{8, 3, 3, 8}, Rect{20, 0, 30, 9}, Rect{-9, 0, 0, 9},
           Rect{INT_MIN, INT_MIN, INT_MAX, INT_MAX}}) {
         Image image = test::FlatImage({13, 9}, kGround);
-        FillSolidRect(image.View(), rect, kInk);
+        EXPECT_TRUE(FillSolidRect(image.View(), rect, kInk));
         for (int y = 0; y < 9; ++y)
             for (int x = 0; x < 13; ++x)
                 EXPECT_EQ(image.View().Pixel(x, y), IsInside(x, y, rect) ? kInk : kGround)
@@ -45,7 +46,7 @@ TEST(OverlayImage, CopiesWhatFallsInside) {
                                     {INT_MIN, INT_MIN},
                                     {-5, 8}}) {
         Image image = test::FlatImage({13, 9}, kGround);
-        OverlayImage(image.View(), source.View(), left, top);
+        EXPECT_TRUE(OverlayImage(image.View(), source.View(), left, top));
         for (int y = 0; y < 9; ++y)
             for (int x = 0; x < 13; ++x) {
                 const long long fromX = static_cast<long long>(x) - left;
@@ -63,8 +64,20 @@ TEST(OverlayImage, CopiesWhatFallsInside) {
 TEST(OverlayImage, ASourceLargerThanTheDestinationCoversIt) {
     const Image source = test::CoordinateImage({40, 30});
     Image image = test::FlatImage({13, 9}, kGround);
-    OverlayImage(image.View(), source.View(), -4, -7);
+    EXPECT_TRUE(OverlayImage(image.View(), source.View(), -4, -7));
     EXPECT_TRUE(test::SamePixels(image, test::CoordinateImage({13, 9}, {4, 7})));
+}
+
+TEST(Compose, RefusesNoPicture) {
+    const Image source = test::CoordinateImage({4, 3});
+    Image image = test::CoordinateImage({4, 3});
+    ClearLastError();
+    EXPECT_FALSE(FillSolidRect({}, {0, 0, 1, 1}, kInk));
+    EXPECT_EQ(LastError(), "there is no picture to fill");
+    EXPECT_FALSE(OverlayImage({}, source.View(), 0, 0));
+    EXPECT_EQ(LastError(), "there is no picture to overlay");
+    EXPECT_FALSE(OverlayImage(image.View(), {}, 0, 0));
+    EXPECT_TRUE(test::SamePixels(image, source));
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ TEST(CropImage, RefusesATargetOfAnotherSize) {
     Image target = test::FlatImage({5, 5}, {9, 9, 9});
     ClearLastError();
     EXPECT_FALSE(CropImage(source.View(), {0, 0, 5, 6}, target.View()));
-    EXPECT_EQ(LastError(), "the target has not the size of the rectangle to crop");
+    EXPECT_EQ(LastError(), "the target does not have the size of the rectangle to crop");
     EXPECT_TRUE(test::SamePixels(target, test::FlatImage({5, 5}, {9, 9, 9})));
 }
 

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "imaging/last_error.h"
 #include "imaging/parallel.h"
 #include "support/simd_targets.h"
 #include "support/test_images.h"
@@ -31,40 +32,47 @@ Image FlippedDown(ConstImageView source) {
     return flipped;
 }
 
-TEST(FlipHorizontal, MirrorsEveryRowWithEveryInstructionSet) {
+TEST(HorizontalFlipImage, MirrorsEveryRowWithEveryInstructionSet) {
     for (const int width : kWidths)
         for (const int height : kHeights) {
             const Image source = test::RandomImage({width, height}, 4);
             test::ForEachSimdTarget([&](const std::string& name) {
                 SCOPED_TRACE(name + ", width " + std::to_string(width));
                 Image image = test::Copy(source.View());
-                FlipHorizontal(image.View());
+                ASSERT_TRUE(HorizontalFlipImage(image.View()));
                 EXPECT_TRUE(test::SamePixels(image, FlippedAcross(source.View())));
             });
         }
 }
 
-TEST(FlipVertical, SwapsTheRows) {
+TEST(VerticalFlipImage, SwapsTheRows) {
     for (const int width : kWidths)
         for (const int height : kHeights) {
             const Image source = test::RandomImage({width, height}, 4);
             Image image = test::Copy(source.View());
-            FlipVertical(image.View());
+            ASSERT_TRUE(VerticalFlipImage(image.View()));
             EXPECT_TRUE(test::SamePixels(image, FlippedDown(source.View()))) << width;
         }
     Image wide = test::RandomImage({3000, 5}, 6);  // rows longer than the block that is swapped
     const Image expected = FlippedDown(wide.View());
-    FlipVertical(wide.View());
+    ASSERT_TRUE(VerticalFlipImage(wide.View()));
     EXPECT_TRUE(test::SamePixels(wide, expected));
+}
+
+TEST(Flip, RefusesNoPicture) {
+    ClearLastError();
+    EXPECT_FALSE(HorizontalFlipImage({}));
+    EXPECT_FALSE(VerticalFlipImage({}));
+    EXPECT_EQ(LastError(), "there is no picture to flip");
 }
 
 TEST(Flip, SeveralThreadsGiveTheSameBytes) {
     const Image source = test::RandomImage({1001, 901}, 8);
     SetKernelThreads(4);
     Image across = test::Copy(source.View());
-    FlipHorizontal(across.View());
+    ASSERT_TRUE(HorizontalFlipImage(across.View()));
     Image down = test::Copy(source.View());
-    FlipVertical(down.View());
+    ASSERT_TRUE(VerticalFlipImage(down.View()));
     SetKernelThreads(1);
     EXPECT_TRUE(test::SamePixels(across, FlippedAcross(source.View())));
     EXPECT_TRUE(test::SamePixels(down, FlippedDown(source.View())));

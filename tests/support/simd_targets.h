@@ -7,11 +7,13 @@
 
 namespace lumo::test {
 
-/// Calls `body(name)` once for each instruction set that this processor has and the kernels are
-/// built for; they use that set meanwhile.
+/// Calls `body(name)` once for each instruction set that this processor has, from the best to none
+/// at all. Kernels use that set meanwhile; those that are not built for it use their plain loops.
 template <typename Body>
 void ForEachSimdTarget(const Body& body) {
-    for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
+    const std::int64_t all = hwy::SupportedTargets();
+    for (std::int64_t rest = all; rest != 0; rest &= rest - 1) {
+        const std::int64_t target = rest & -rest;
         hwy::SetSupportedTargetsForTest(target);
         hwy::GetChosenTarget().Update(hwy::SupportedTargets());
         body(std::string(hwy::TargetName(target)));

@@ -8,15 +8,16 @@ namespace {
 
 using namespace engine;
 
-// Mirroring in place needs no memory and cannot fail, so neither has a failure text.
 Outcome RunFlipHorizontal(CLumoscriptView& view, const script::Fields&) {
-    imaging::FlipHorizontal(view.working.main.View());
-    return Outcome::Succeeded;
+    const bool ok = imaging::HorizontalFlipImage(view.working.main.View());
+    if (!ok) OnCommandFailure(view, "Cmd_37 Flip Horz L2906: ", LibraryError::Append);
+    return ToOutcome(ok);
 }
 
 Outcome RunFlipVertical(CLumoscriptView& view, const script::Fields&) {
-    imaging::FlipVertical(view.working.main.View());
-    return Outcome::Succeeded;
+    const bool ok = imaging::VerticalFlipImage(view.working.main.View());
+    if (!ok) OnCommandFailure(view, "Cmd_38 Flip Vert L2924: ", LibraryError::Append);
+    return ToOutcome(ok);
 }
 
 }  // namespace
