@@ -75,7 +75,8 @@ std::string SetCoding(Header& header, std::uint32_t compression) {
             return fmt::format("a BMP with coding {} is not supported", compression);
     }
     if (fits) return {};
-    return fmt::format("a BMP of {} bits with coding {} is not supported", header.bits, compression);
+    return fmt::format("a BMP of {} bits with coding {} is not supported", header.bits,
+                       compression);
 }
 
 // The masks stand in the longer Windows headers, or behind one that is too short for them.

@@ -13,8 +13,12 @@ enum Escape : std::uint8_t { kEndOfLine = 0, kEndOfBitmap = 1, kDelta = 2 };
 class Rows {
   public:
     Rows(int bits, const Palette& palette, bool topDown, ImageView image)
-        : bits_(bits), unit_(bits == 24 ? 3 : 1), palette_(palette), topDown_(topDown),
-          image_(image), row_(static_cast<std::size_t>(image.Width() * unit_)) {}
+        : bits_(bits),
+          unit_(bits == 24 ? 3 : 1),
+          palette_(palette),
+          topDown_(topDown),
+          image_(image),
+          row_(static_cast<std::size_t>(image.Width() * unit_)) {}
 
     bool AreDone() const { return y_ >= image_.Height(); }
     bool RowIsFull() const { return x_ >= image_.Width(); }

@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <optional>
 #include <vector>
 
 #include "imaging/codecs/byte_reader.h"
@@ -31,6 +32,7 @@ struct Header {
     int planes = 0;
     int width = 0;
     int height = 0;
+    bool isCgaScreen = false;  // drawn on 320 x 200 pixels of four colours
     std::array<std::uint8_t, 48> colours{};
     std::size_t lineBytes = 0;  // of one plane
 
@@ -48,7 +50,7 @@ Result<Header> ReadHeader(ByteView file) {
     const int left = in.U16Le(), top = in.U16Le(), right = in.U16Le(), bottom = in.U16Le();
     header.width = right - left + 1;
     header.height = bottom - top + 1;
-    in.Skip(4);  // resolution
+    header.isCgaScreen = in.U32Le() == (320 | 200 << 16);  // the resolution of old writers
     const ByteView colours = in.Take(header.colours.size());
     std::copy(colours.begin(), colours.end(), header.colours.begin());
     in.Skip(1);
@@ -71,7 +73,8 @@ Result<Header> ReadHeader(ByteView file) {
 class StoredLines {
   public:
     StoredLines(ByteView bytes, const Header& header)
-        : bytes_(bytes), runLengths_(header.runLengths),
+        : bytes_(bytes),
+          runLengths_(header.runLengths),
           lineBytes_(header.lineBytes * static_cast<std::size_t>(header.planes)),
           line_(lineBytes_ + kSlack) {}
 
@@ -169,6 +172,24 @@ Palette AdapterPalette() {
     return palette;
 }
 
+// Four colours of that adapter, which had two palettes in two brightnesses and one free colour.
+// PC Paintbrush leaves the free one in the top bits of the first byte, and the others in the
+// second entry: more green than blue means green, red and brown, else cyan, magenta and grey.
+std::optional<Palette> CgaPalette(const std::array<std::uint8_t, 48>& colours) {
+    const auto isZero = [](std::uint8_t v) { return v == 0; };
+    const bool secondIsSet = !std::all_of(colours.begin() + 3, colours.begin() + 6, isZero);
+    const bool othersAreSet = !std::all_of(colours.begin() + 6, colours.begin() + 12, isZero);
+    if (!secondIsSet || othersAreSet) return std::nullopt;
+    const int green = colours[4];
+    const int blue = colours[5];
+    const int first = (green > blue ? 2 : 3) + (std::max(green, blue) > 200 ? 8 : 0);
+    const Palette adapter = AdapterPalette();
+    Palette palette;
+    palette.Set(0, adapter.At(colours[0] >> 4));
+    for (int i = 0; i < 3; ++i) palette.Set(i + 1, adapter.At(first + 2 * i));
+    return palette;
+}
+
 Palette ReadPalette(const Header& header, ByteView file) {
     const bool stated = header.version == 2 || header.version >= 4;
     const auto& colours = header.colours;
@@ -179,6 +200,8 @@ Palette ReadPalette(const Header& header, ByteView file) {
         const bool same = std::equal(colours.begin(), colours.begin() + 3, colours.begin() + 3);
         return stated && !blank && !same ? PaletteOf(colours, 2) : GreyPalette(2);
     }
+    if (header.bits == 2 && header.planes == 1 && stated && header.isCgaScreen)
+        if (const auto palette = CgaPalette(colours)) return *palette;
     if (header.Depth() <= 4) {
         const bool blank = std::all_of(colours.begin(), colours.end(), isZero);
         return stated && !blank ? PaletteOf(colours, 16) : AdapterPalette();

@@ -30,7 +30,8 @@ using Resources = std::map<std::uint16_t, ByteView>;
 struct Document {
     PsdLayout layout;
     PsdMode mode = PsdMode::Rgb;
-    ByteView colourData;  // the colour table of an indexed picture
+    ByteView colourData;     // the colour table of an indexed picture
+    int colourChannels = 0;  // the first ones; coverage may stand behind them
     Resources resources;
     ByteView pixels;
 };
@@ -40,21 +41,29 @@ int ColourChannels(PsdMode mode, int channels) {
         case PsdMode::Bitmap:
         case PsdMode::Grey:
         case PsdMode::Indexed:
-        case PsdMode::Duotone: return 1;
+        case PsdMode::Duotone:
+            return 1;
         case PsdMode::Rgb:
-        case PsdMode::Lab: return 3;
-        case PsdMode::Cmyk: return 4;
-        case PsdMode::Multichannel: return channels;
+        case PsdMode::Lab:
+            return 3;
+        case PsdMode::Cmyk:
+            return 4;
+        case PsdMode::Multichannel:
+            return channels;
     }
     return 0;  // no mode that is known
 }
 
 bool DepthFits(PsdMode mode, int depth) {
     switch (mode) {
-        case PsdMode::Bitmap: return depth == 1;
-        case PsdMode::Indexed: return depth == 8;
-        case PsdMode::Lab: return depth == 8 || depth == 16;
-        default: return depth == 8 || depth == 16 || depth == 32;
+        case PsdMode::Bitmap:
+            return depth == 1;
+        case PsdMode::Indexed:
+            return depth == 8;
+        case PsdMode::Lab:
+            return depth == 8 || depth == 16;
+        default:
+            return depth == 8 || depth == 16 || depth == 32;
     }
 }
 
@@ -73,41 +82,6 @@ Resources ReadResources(ByteView section) {
         resources.emplace(id, content);
     }
     return resources;
-}
-
-Result<Document> ReadDocument(ByteView file) {
-    ByteReader in(file);
-    Document document;
-    PsdLayout& layout = document.layout;
-    const bool isPsd = in.U32Be() == 0x38425053;  // "8BPS"
-    const int version = in.U16Be();
-    in.Skip(6);
-    layout.channels = in.U16Be();
-    const std::uint32_t height = in.U32Be();
-    const std::uint32_t width = in.U32Be();
-    layout.depth = in.U16Be();
-    document.mode = static_cast<PsdMode>(in.U16Be());
-    layout.isLarge = version == 2;
-    if (in.Failed() || !isPsd || version < 1 || version > 2) return Error{"not a PSD file"};
-    layout.size = {static_cast<int>(std::min<std::uint32_t>(width, 1 << 30)),
-                   static_cast<int>(std::min<std::uint32_t>(height, 1 << 30))};
-    layout.used = ColourChannels(document.mode, layout.channels);
-    if (layout.used == 0 || !DepthFits(document.mode, layout.depth))
-        return Error{fmt::format("a PSD of colour mode {} with {} bits is not supported",
-                                 static_cast<int>(document.mode), layout.depth)};
-    if (layout.channels < layout.used || layout.channels > kMaxChannels)
-        return Error{"the PSD header is damaged"};
-
-    document.colourData = in.Take(in.U32Be());
-    document.resources = ReadResources(in.Take(in.U32Be()));
-    in.Skip(layout.isLarge ? in.U64Be() : in.U32Be());  // layers and masks
-    const std::uint16_t coding = in.U16Be();
-    if (in.Failed()) return Error{"the PSD file ends before its merged picture"};
-    if (coding > static_cast<std::uint16_t>(PsdCoding::ZipPredicted))
-        return Error{fmt::format("a PSD with coding {} is not supported", coding)};
-    layout.coding = static_cast<PsdCoding>(coding);
-    document.pixels = in.Take(in.Left());
-    return document;
 }
 
 std::optional<std::uint16_t> FirstWord(const Resources& resources, std::uint16_t id) {
@@ -138,19 +112,23 @@ std::optional<Rgb> ReadInk(ByteReader& in) {
     for (auto& number : v) number = in.U16Be();
     const auto signedOf = [](std::uint16_t n) { return static_cast<std::int16_t>(n) / 100.0; };
     switch (space) {
-        case kRgb: return Rgb{Round16To8(v[0]), Round16To8(v[1]), Round16To8(v[2])};
+        case kRgb:
+            return Rgb{Round16To8(v[0]), Round16To8(v[1]), Round16To8(v[2])};
         case kCmyk: {  // 65535 is no ink
             const auto ink = [&](int i) {
                 return static_cast<std::uint8_t>(255 - Round16To8(v[static_cast<std::size_t>(i)]));
             };
             return CmykToRgb(ink(0), ink(1), ink(2), ink(3));
         }
-        case kLab: return LabToSrgb(v[0] / 100.0, signedOf(v[1]), signedOf(v[2]));
+        case kLab:
+            return LabToSrgb(v[0] / 100.0, signedOf(v[1]), signedOf(v[2]));
         case kGrey: {  // 10000 is full ink
-            const auto grey = static_cast<std::uint8_t>(255 - std::min<int>(v[0], 10000) * 255 / 10000);
+            const auto grey =
+                static_cast<std::uint8_t>(255 - std::min<int>(v[0], 10000) * 255 / 10000);
             return Rgb{grey, grey, grey};
         }
-        default: return std::nullopt;
+        default:
+            return std::nullopt;
     }
 }
 
@@ -180,32 +158,117 @@ std::vector<Rgb> ReadInks(const Document& document) {
     return inks;
 }
 
-int ConvertRows(const Document& document, const PsdPlanes& planes, ImageView image) {
-    const PsdLayout& layout = document.layout;
-    PsdRowConverter converter(document.mode, layout.depth, layout.size.width,
-                              ReadPalette(document), ReadInks(document));
-    const auto used = static_cast<std::size_t>(layout.used);
-    std::vector<std::vector<std::uint8_t>> scratch(used);
-    if (layout.coding == PsdCoding::PackBits)
-        for (auto& row : scratch) row.resize(layout.RowBytes());
-    std::vector<const std::uint8_t*> rows(used);
-    for (int y = 0; y < layout.size.height; ++y) {
-        for (std::size_t i = 0; i < used; ++i) {
-            rows[i] = planes.Row(static_cast<int>(i), y, scratch[i].data());
-            if (rows[i] == nullptr) return y;
+Result<Document> ReadDocument(ByteView file) {
+    ByteReader in(file);
+    Document document;
+    PsdLayout& layout = document.layout;
+    const bool isPsd = in.U32Be() == 0x38425053;  // "8BPS"
+    const int version = in.U16Be();
+    in.Skip(6);
+    layout.channels = in.U16Be();
+    const std::uint32_t height = in.U32Be();
+    const std::uint32_t width = in.U32Be();
+    layout.depth = in.U16Be();
+    document.mode = static_cast<PsdMode>(in.U16Be());
+    layout.isLarge = version == 2;
+    if (in.Failed() || !isPsd || version < 1 || version > 2) return Error{"not a PSD file"};
+    layout.size = {static_cast<int>(std::min<std::uint32_t>(width, 1 << 30)),
+                   static_cast<int>(std::min<std::uint32_t>(height, 1 << 30))};
+    document.colourChannels = ColourChannels(document.mode, layout.channels);
+    if (document.colourChannels == 0 || !DepthFits(document.mode, layout.depth))
+        return Error{fmt::format("a PSD of colour mode {} with {} bits is not supported",
+                                 static_cast<int>(document.mode), layout.depth)};
+    if (layout.channels < document.colourChannels || layout.channels > kMaxChannels)
+        return Error{"the PSD header is damaged"};
+
+    document.colourData = in.Take(in.U32Be());
+    document.resources = ReadResources(in.Take(in.U32Be()));
+    ByteReader layers(in.Take(layout.isLarge ? in.U64Be() : in.U32Be()));
+    layers.Skip(layout.isLarge ? 8 : 4);
+    const bool hasCoverage = static_cast<std::int16_t>(layers.U16Be()) < 0;  // a count of layers
+    const std::uint16_t coding = in.U16Be();
+    if (in.Failed()) return Error{"the PSD file ends before its merged picture"};
+    if (coding > static_cast<std::uint16_t>(PsdCoding::ZipPredicted))
+        return Error{fmt::format("a PSD with coding {} is not supported", coding)};
+    layout.coding = static_cast<PsdCoding>(coding);
+    if (document.mode == PsdMode::Multichannel)
+        document.colourChannels = static_cast<int>(ReadInks(document).size());
+    const bool canBeLaidOverWhite =
+        (document.mode == PsdMode::Grey || document.mode == PsdMode::Rgb) && layout.depth <= 16;
+    const bool usesCoverage =
+        hasCoverage && canBeLaidOverWhite && layout.channels > document.colourChannels;
+    layout.used = document.colourChannels + (usesCoverage ? 1 : 0);
+    document.pixels = in.Take(in.Left());
+    return document;
+}
+
+// The stored rows of the colours, and of the coverage behind them.
+class RowReader {
+  public:
+    RowReader(const PsdLayout& layout, const PsdPlanes& planes)
+        : planes_(planes), scratch_(static_cast<std::size_t>(layout.used)) {
+        if (layout.coding == PsdCoding::PackBits)
+            for (auto& row : scratch_) row.resize(layout.RowBytes());
+    }
+    const std::uint8_t* Read(int channel, int y) {
+        return planes_.Row(channel, y, scratch_[static_cast<std::size_t>(channel)].data());
+    }
+
+  private:
+    const PsdPlanes& planes_;
+    std::vector<std::vector<std::uint8_t>> scratch_;
+};
+
+int ConvertRows(const Document& document, RowReader& reader, PsdRowConverter& converter,
+                ImageView image) {
+    std::vector<const std::uint8_t*> rows(static_cast<std::size_t>(document.colourChannels));
+    for (int y = 0; y < image.Height(); ++y) {
+        for (int i = 0; i < document.colourChannels; ++i) {
+            rows[static_cast<std::size_t>(i)] = reader.Read(i, y);
+            if (rows[static_cast<std::size_t>(i)] == nullptr) return y;
         }
         converter.Convert(rows, image.Row(y));
     }
-    return layout.size.height;
+    return image.Height();
 }
 
-// A file that was saved for size holds a white picture instead of the merged one.
-bool IsWithoutMergedPicture(const Document& document, ConstImageView image) {
+// A colour that is blended with white is at least as bright as the white that shows through it.
+bool IsBlended(const std::uint8_t* rgb, const std::uint8_t* coverage, int width) {
+    constexpr int kRounding = 2;
+    for (int x = 0; x < width; ++x, rgb += 3)
+        if (std::min({rgb[0], rgb[1], rgb[2]}) + coverage[x] < 255 - kRounding) return false;
+    return true;
+}
+
+// The format asks for a merged picture that is blended with white, and for its coverage only
+// beside it. Some writers store the colours as they were; those are laid over white here.
+void LayOverWhite(const Document& document, RowReader& reader, const PsdRowConverter& converter,
+                  int rows, ImageView image) {
+    std::vector<std::uint8_t> scratch;
+    const auto coverageOf = [&](int y) {
+        const std::uint8_t* row = reader.Read(document.colourChannels, y);
+        return row == nullptr ? nullptr : converter.Samples8(row, scratch);
+    };
+    bool blended = true;
+    for (int y = 0; y < rows && blended; ++y) {
+        const std::uint8_t* coverage = coverageOf(y);
+        if (coverage == nullptr) return;
+        blended = IsBlended(image.Row(y), coverage, image.Width());
+    }
+    if (blended) return;
+    for (int y = 0; y < rows; ++y) {
+        const std::uint8_t* coverage = coverageOf(y);
+        if (coverage == nullptr) return;
+        std::uint8_t* rgb = image.Row(y);
+        for (int x = 0; x < image.Width(); ++x)
+            for (int c = 0; c < 3; ++c, ++rgb) *rgb = OverWhite(*rgb, coverage[x]);
+    }
+}
+
+// A file that was saved for size holds no picture behind its layers that is worth showing.
+bool IsWithoutMergedPicture(const Document& document) {
     const auto found = document.resources.find(kVersionInfo);
-    if (found == document.resources.end() || found->second.size() < 5) return false;
-    const auto bytes = image.Bytes();
-    return found->second[4] == 0 &&
-           std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t v) { return v == 255; });
+    return found != document.resources.end() && found->second.size() >= 5 && found->second[4] == 0;
 }
 
 }  // namespace
@@ -213,8 +276,8 @@ bool IsWithoutMergedPicture(const Document& document, ConstImageView image) {
 Result<Decoded> DecodePsd(ByteView file, const DecodeOptions& options) {
     auto read = ReadDocument(file);
     if (!read) return Error{read.Message()};
-    Document& document = *read;
-    PsdLayout& layout = document.layout;
+    const Document& document = *read;
+    const PsdLayout& layout = document.layout;
     const bool inflates =
         layout.coding == PsdCoding::Zip || layout.coding == PsdCoding::ZipPredicted;
     const int heldBytes = kChannels + (inflates ? (layout.used * layout.depth + 7) / 8 : 0);
@@ -222,16 +285,19 @@ Result<Decoded> DecodePsd(ByteView file, const DecodeOptions& options) {
             RefuseSize(layout.size.width, layout.size.height, heldBytes, options.limits);
         !reason.empty())
         return Error{reason};
-    if (document.mode == PsdMode::Multichannel)
-        layout.used = static_cast<int>(ReadInks(document).size());
     auto planes = PsdPlanes::Open(document.pixels, layout);
     if (!planes) return Error{planes.Message()};
     auto image = Image::TryCreate(layout.size);
     if (!image) return Error{"not enough memory"};
-    const int rows = ConvertRows(document, *planes, image->View());
-    auto result = FinishRows(std::move(*image), Format::Psd, layout.depth * layout.channels, rows,
-                             true);
-    if (result && result->warning.empty() && IsWithoutMergedPicture(document, result->image.View()))
+    RowReader reader(layout, *planes);
+    PsdRowConverter converter(document.mode, layout.depth, layout.size.width, ReadPalette(document),
+                              ReadInks(document));
+    const int rows = ConvertRows(document, reader, converter, image->View());
+    if (layout.used > document.colourChannels)
+        LayOverWhite(document, reader, converter, rows, image->View());
+    auto result =
+        FinishRows(std::move(*image), Format::Psd, layout.depth * layout.channels, rows, true);
+    if (result && result->warning.empty() && IsWithoutMergedPicture(document))
         result->warning = "the file was saved without its merged picture; layers are not read";
     return result;
 }

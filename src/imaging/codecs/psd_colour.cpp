@@ -27,7 +27,9 @@ std::uint8_t SrgbByte(double linear) {
     return table[static_cast<std::size_t>(std::min(linear, 1.0) * kCurveSteps + 0.5)];
 }
 
-unsigned Load16(const std::uint8_t* p) { return static_cast<unsigned>(p[0] << 8 | p[1]); }
+unsigned Load16(const std::uint8_t* p) {
+    return static_cast<unsigned>(p[0] << 8 | p[1]);
+}
 
 float LoadFloat(const std::uint8_t* p) {
     return std::bit_cast<float>(static_cast<std::uint32_t>(p[0]) << 24 |
@@ -101,12 +103,16 @@ void PsdRowConverter::Convert(const std::vector<const std::uint8_t*>& rows, std:
     bytes_.resize(rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) bytes_[i] = Samples8(rows[i], scratch_[i]);
     switch (mode_) {
-        case PsdMode::Indexed: return palette_.Expand(bytes_[0], width_, rgb);
-        case PsdMode::Rgb: return RgbFromPlanes(bytes_[0], bytes_[1], bytes_[2], width_, rgb);
+        case PsdMode::Indexed:
+            return palette_.Expand(bytes_[0], width_, rgb);
+        case PsdMode::Rgb:
+            return RgbFromPlanes(bytes_[0], bytes_[1], bytes_[2], width_, rgb);
         case PsdMode::Cmyk:
             return RgbFromCmykPaper(bytes_[0], bytes_[1], bytes_[2], bytes_[3], width_, rgb);
-        case PsdMode::Multichannel: return ConvertInks(rgb);
-        default: return RgbFromGrey(bytes_[0], width_, rgb);
+        case PsdMode::Multichannel:
+            return ConvertInks(rgb);
+        default:
+            return RgbFromGrey(bytes_[0], width_, rgb);
     }
 }
 

@@ -39,8 +39,10 @@ class PsdRowConverter {
     /// `rows` holds one pointer for each colour channel, samples high byte first.
     void Convert(const std::vector<const std::uint8_t*>& rows, std::uint8_t* rgb);
 
-  private:
+    /// One row of samples as bytes: the row itself, or `scratch`, which is resized.
     const std::uint8_t* Samples8(const std::uint8_t* row, std::vector<std::uint8_t>& scratch) const;
+
+  private:
     void ConvertLab(const std::vector<const std::uint8_t*>& rows, std::uint8_t* rgb) const;
     void ConvertInks(std::uint8_t* rgb) const;
 

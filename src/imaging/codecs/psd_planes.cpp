@@ -62,7 +62,9 @@ void UndoRow32(std::uint8_t* row, std::size_t bytes, std::vector<std::uint8_t>& 
 
 }  // namespace
 
-std::size_t PsdLayout::RowBytes() const { return PackedRowBytes(size.width, depth); }
+std::size_t PsdLayout::RowBytes() const {
+    return PackedRowBytes(size.width, depth);
+}
 
 Result<PsdPlanes> PsdPlanes::Open(ByteView data, const PsdLayout& layout) {
     PsdPlanes planes(layout);

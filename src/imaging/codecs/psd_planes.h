@@ -17,8 +17,8 @@ struct PsdLayout {
     int channels = 0;  // in the file
     int used = 0;      // the first ones, those that make the colours
     Size size;
-    int depth = 8;              // bits of a sample: 1, 8, 16, 32
-    bool isLarge = false;       // a PSB file: row lengths of four bytes
+    int depth = 8;         // bits of a sample: 1, 8, 16, 32
+    bool isLarge = false;  // a PSB file: row lengths of four bytes
     PsdCoding coding = PsdCoding::Raw;
 
     std::size_t RowBytes() const;

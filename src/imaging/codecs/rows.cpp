@@ -102,7 +102,8 @@ LUMO_SIMD_CLONES void PlanesFromRgb(const std::uint8_t* __restrict rgb, int coun
 LUMO_SIMD_CLONES void Samples8From16(const std::uint8_t* __restrict samples, int count,
                                      std::uint8_t* __restrict bytes) {
     for (int i = 0; i < count; ++i) {
-        const std::uint32_t v = static_cast<std::uint32_t>(samples[2 * i] << 8 | samples[2 * i + 1]);
+        const std::uint32_t v =
+            static_cast<std::uint32_t>(samples[2 * i] << 8 | samples[2 * i + 1]);
         // The same for all 65536 values as the division of Round16To8, and twice as fast.
         bytes[i] = static_cast<std::uint8_t>((v * 255U + 32895U) >> 16);
     }
@@ -110,8 +111,8 @@ LUMO_SIMD_CLONES void Samples8From16(const std::uint8_t* __restrict samples, int
 
 int WholeRows(std::size_t bytes, std::size_t rowBytes, std::size_t stride, int height) {
     if (bytes < rowBytes) return 0;
-    const std::size_t rows = stride == 0 ? static_cast<std::size_t>(height)
-                                         : (bytes - rowBytes) / stride + 1;
+    const std::size_t rows =
+        stride == 0 ? static_cast<std::size_t>(height) : (bytes - rowBytes) / stride + 1;
     return static_cast<int>(std::min(rows, static_cast<std::size_t>(height)));
 }
 

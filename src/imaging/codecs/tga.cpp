@@ -21,7 +21,9 @@ constexpr std::size_t kFooterBytes = 26;
 constexpr std::string_view kFooterSignature{"TRUEVISION-XFILE.\0", 18};
 constexpr int kMaxSide = 65535;
 
-bool IsColourDepth(int bits) { return bits == 15 || bits == 16 || bits == 24 || bits == 32; }
+bool IsColourDepth(int bits) {
+    return bits == 15 || bits == 16 || bits == 24 || bits == 32;
+}
 
 std::optional<TgaHeader> ReadHeader(ByteView file) {
     ByteReader in(file);
@@ -52,8 +54,9 @@ std::optional<TgaHeader> ReadHeader(ByteView file) {
         case 3:
         case 11:
             // The depth decides: some writers call their grey pictures coloured and the reverse.
-            header.kind = header.bits == 8 || (header.bits == 16 && type % 8 == 3) ? TgaKind::Grey
-                                                                                   : TgaKind::Colour;
+            header.kind = header.bits == 8 || (header.bits == 16 && type % 8 == 3)
+                              ? TgaKind::Grey
+                              : TgaKind::Colour;
             if (header.kind == TgaKind::Grey || IsColourDepth(header.bits)) return header;
             return std::nullopt;
         default:
@@ -61,9 +64,11 @@ std::optional<TgaHeader> ReadHeader(ByteView file) {
     }
 }
 
-// The descriptor says whether there is alpha, the extension area what it means.
+// The descriptor says whether there is alpha, the extension area what it means. A colour map of 32
+// bits has alpha of its own: the descriptor is about the indices then.
 TgaAlpha AlphaOf(const TgaHeader& header, ByteView file) {
-    if (!header.HasAttributes()) return TgaAlpha::None;
+    const bool inMap = header.kind == TgaKind::Indexed && header.mapBits == 32;
+    if (!header.HasAttributes() && !inMap) return TgaAlpha::None;
     if (file.size() < kHeaderBytes + kFooterBytes) return TgaAlpha::Coverage;
     const ByteView footer = file.last(kFooterBytes);
     if (!std::equal(kFooterSignature.begin(), kFooterSignature.end(), footer.begin() + 8))
@@ -73,9 +78,12 @@ TgaAlpha AlphaOf(const TgaHeader& header, ByteView file) {
     if (extension == 0 || extension + kAttributesType >= file.size()) return TgaAlpha::Coverage;
     switch (file[extension + kAttributesType]) {
         case 1:
-        case 2: return TgaAlpha::None;  // there are bits, but they mean nothing
-        case 4: return TgaAlpha::Premultiplied;
-        default: return TgaAlpha::Coverage;
+        case 2:
+            return TgaAlpha::None;  // there are bits, but they mean nothing
+        case 4:
+            return TgaAlpha::Premultiplied;
+        default:
+            return TgaAlpha::Coverage;
     }
 }
 

@@ -118,10 +118,18 @@ bool TgaStoredRows::NextPacket() {
 
 void TgaStoredRows::FillRun(std::uint8_t* out, std::size_t count) const {
     switch (unit_) {
-        case 1: std::memset(out, value_[0], count); break;
-        case 2: Repeat<2>(value_.data(), out, count); break;
-        case 3: Repeat<3>(value_.data(), out, count); break;
-        default: Repeat<4>(value_.data(), out, count); break;
+        case 1:
+            std::memset(out, value_[0], count);
+            break;
+        case 2:
+            Repeat<2>(value_.data(), out, count);
+            break;
+        case 3:
+            Repeat<3>(value_.data(), out, count);
+            break;
+        default:
+            Repeat<4>(value_.data(), out, count);
+            break;
     }
 }
 
