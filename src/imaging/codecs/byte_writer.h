@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 #include "imaging/codecs/codec.h"
 
@@ -12,7 +13,7 @@ namespace lumo::imaging::codecs {
 class ByteWriter {
   public:
     /// `expected` is only a hint at the size of the whole file.
-    explicit ByteWriter(std::size_t expected) { bytes_.reserve(expected); }
+    explicit ByteWriter(std::size_t expected);
 
     void U8(unsigned value) { bytes_.push_back(static_cast<std::uint8_t>(value)); }
     void U16Le(unsigned value) { LittleEndian(value, 2); }

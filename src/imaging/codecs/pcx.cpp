@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
-#include <cstring>
 #include <optional>
 #include <vector>
 
 #include "imaging/codecs/byte_reader.h"
 #include "imaging/codecs/byte_writer.h"
 #include "imaging/codecs/decoders.h"
+#include "imaging/codecs/pcx_lines.h"
 #include "imaging/codecs/rows.h"
 
 namespace lumo::imaging::codecs {
@@ -22,8 +21,6 @@ constexpr std::uint8_t kMaker = 10;
 constexpr std::size_t kVgaPaletteBytes = 1 + 256 * 3;
 constexpr std::uint8_t kVgaPaletteMark = 12;
 constexpr int kMaxSide = 65534;  // the bytes of a line are even and a 16-bit number
-constexpr unsigned kRunMark = 0xC0;
-constexpr std::size_t kMaxRun = 63;
 
 struct Header {
     int version = 0;
@@ -38,6 +35,11 @@ struct Header {
 
     int Depth() const { return bits * planes; }
     bool IsIndexed() const { return Depth() <= 8; }
+    /// Of all planes together.
+    std::size_t WholeLineBytes() const { return lineBytes * static_cast<std::size_t>(planes); }
+    PcxLines LinesOf(ByteView file) const {
+        return {file.subspan(kHeaderBytes), WholeLineBytes(), runLengths};
+    }
 };
 
 Result<Header> ReadHeader(ByteView file) {
@@ -68,86 +70,6 @@ Result<Header> ReadHeader(ByteView file) {
         return Error{"the PCX header is damaged"};
     return header;
 }
-
-// Lines of all planes, one behind the other. Runs may go on from one line to the next.
-class StoredLines {
-  public:
-    StoredLines(ByteView bytes, const Header& header)
-        : bytes_(bytes),
-          runLengths_(header.runLengths),
-          lineBytes_(header.lineBytes * static_cast<std::size_t>(header.planes)),
-          line_(lineBytes_ + kSlack) {}
-
-    std::size_t Position() const { return at_; }
-
-    /// The next line, valid until the next call; null where the file ends before the line does.
-    const std::uint8_t* Next() {
-        if (runLengths_) return NextPacked() ? line_.data() : nullptr;
-        if (bytes_.size() - at_ < lineBytes_) return nullptr;
-        at_ += lineBytes_;
-        return bytes_.data() + at_ - lineBytes_;
-    }
-
-  private:
-    static constexpr std::size_t kSlack = 8;  // literals are copied in words
-
-    bool NextPacked() {
-        for (std::size_t filled = 0; filled < lineBytes_;) {
-            std::uint8_t* out = line_.data() + filled;
-            const std::size_t room = lineBytes_ - filled;
-            if (run_ > 0) {
-                const std::size_t count = std::min(run_, room);
-                std::memset(out, value_, count);
-                run_ -= count;
-                filled += count;
-                continue;
-            }
-            const std::size_t literals = CopyLiterals(out, room);
-            filled += literals;
-            if (literals > 0) continue;
-            if (at_ >= bytes_.size()) return false;
-            const std::uint8_t code = bytes_[at_];
-            if (code < kRunMark) {
-                *out = code;
-                ++filled;
-                ++at_;
-                continue;
-            }
-            if (bytes_.size() - at_ < 2) return false;
-            run_ = code & kMaxRun;
-            value_ = bytes_[at_ + 1];
-            at_ += 2;
-        }
-        return true;
-    }
-
-    // Copies what stands before the next code of a run, up to eight bytes a step: a byte is such
-    // a code if its two top bits are set.
-    std::size_t CopyLiterals(std::uint8_t* out, std::size_t room) {
-        std::size_t done = 0;
-        if constexpr (std::endian::native == std::endian::little) {
-            while (room - done >= 8 && bytes_.size() - at_ >= 8) {
-                std::uint64_t word = 0;
-                std::memcpy(&word, bytes_.data() + at_, 8);
-                std::memcpy(out + done, &word, 8);
-                const std::uint64_t codes = word & word << 1 & 0x8080808080808080U;
-                const auto count = static_cast<std::size_t>(std::countr_zero(codes)) / 8;
-                done += count;
-                at_ += count;
-                if (count < 8) break;
-            }
-        }
-        return done;
-    }
-
-    ByteView bytes_;
-    bool runLengths_;
-    std::size_t lineBytes_;
-    std::vector<std::uint8_t> line_;
-    std::size_t at_ = 0;
-    std::size_t run_ = 0;
-    std::uint8_t value_ = 0;
-};
 
 Palette PaletteOf(ByteView colours, int count) {
     Palette palette;
@@ -211,7 +133,7 @@ Palette ReadPalette(const Header& header, ByteView file) {
         if (tail[0] == kVgaPaletteMark) return PaletteOf(tail.subspan(1), 256);
     }
     // Something may stand behind the palette: then the lines lead to it.
-    StoredLines lines(file.subspan(kHeaderBytes), header);
+    PcxLines lines = header.LinesOf(file);
     for (int i = 0; i < header.height; ++i)
         if (lines.Next() == nullptr) return GreyPalette(256);
     const ByteView rest = file.subspan(kHeaderBytes + lines.Position());
@@ -234,7 +156,7 @@ void JoinPlanes(const Header& header, const std::uint8_t* line, std::uint8_t* in
 
 int DecodeIndexed(const Header& header, ByteView file, ImageView image) {
     const Palette palette = ReadPalette(header, file);
-    StoredLines lines(file.subspan(kHeaderBytes), header);
+    PcxLines lines = header.LinesOf(file);
     std::vector<std::uint8_t> indices(static_cast<std::size_t>(header.width));
     std::vector<std::uint8_t> scratch(indices.size());
     for (int y = 0; y < header.height; ++y) {
@@ -248,7 +170,7 @@ int DecodeIndexed(const Header& header, ByteView file, ImageView image) {
 
 // A fourth plane is coverage over white, unless it is 0 everywhere.
 int DecodeColour(const Header& header, ByteView file, bool withCoverage, ImageView image) {
-    StoredLines lines(file.subspan(kHeaderBytes), header);
+    PcxLines lines = header.LinesOf(file);
     const std::size_t lineBytes = header.lineBytes;
     bool anyCoverage = false;
     int y = 0;
@@ -268,18 +190,6 @@ int DecodeColour(const Header& header, ByteView file, bool withCoverage, ImageVi
     return y;
 }
 
-void AppendRuns(const std::vector<std::uint8_t>& plane, std::vector<std::uint8_t>& packed) {
-    for (std::size_t i = 0; i < plane.size();) {
-        const std::uint8_t value = plane[i];
-        std::size_t count = 1;
-        while (count < kMaxRun && i + count < plane.size() && plane[i + count] == value) ++count;
-        if (count > 1 || value >= kRunMark)
-            packed.push_back(static_cast<std::uint8_t>(kRunMark | count));
-        packed.push_back(value);
-        i += count;
-    }
-}
-
 }  // namespace
 
 Result<Decoded> DecodePcx(ByteView file, const DecodeOptions& options) {
@@ -289,8 +199,9 @@ Result<Decoded> DecodePcx(ByteView file, const DecodeOptions& options) {
     if (std::string reason = RefuseSize(header.width, header.height, kChannels, options.limits);
         !reason.empty())
         return Error{reason};
-    const std::size_t line = header.lineBytes * static_cast<std::size_t>(header.planes);
-    const std::size_t firstLine = header.runLengths ? (line + kMaxRun - 1) / kMaxRun * 2 : line;
+    const std::size_t line = header.WholeLineBytes();
+    const std::size_t firstLine =
+        header.runLengths ? (line + kMaxPcxRun - 1) / kMaxPcxRun * 2 : line;
     if (file.size() - kHeaderBytes < firstLine) return Error{kNoRows};
     auto image = Image::TryCreate({header.width, header.height});
     if (!image) return Error{"not enough memory"};
@@ -322,13 +233,11 @@ Result<Bytes> EncodePcx(ConstImageView image) {
     out.Zeros(kHeaderBytes - out.Size());
     std::array<std::vector<std::uint8_t>, 3> planes;
     for (auto& plane : planes) plane.resize(lineBytes);
-    std::vector<std::uint8_t> packed;
+    std::vector<std::uint8_t> codes;
     for (int y = 0; y < image.Height(); ++y) {
         PlanesFromRgb(image.Row(y), image.Width(), planes[0].data(), planes[1].data(),
                       planes[2].data());
-        packed.clear();
-        for (const auto& plane : planes) AppendRuns(plane, packed);
-        out.Append(packed);
+        for (const auto& plane : planes) out.Append(PcxRuns(plane, codes));
     }
     return out.Finish();
 }
