@@ -7,7 +7,6 @@
 #include <map>
 
 #include "imaging/codecs/decoders.h"
-#include "imaging/codecs/psd_colour.h"
 #include "support/codec_files.h"
 #include "support/test_images.h"
 
@@ -215,17 +214,6 @@ TEST(PsdDecode, LabUnderD50) {
     EXPECT_THAT(
         PixelsOf(Read({.mode = kLab, .depth = 16, .samples = Words({35579, 53451, 50657}, 2)})),
         ElementsAre(Rgb{255, 0, 0}));
-}
-
-TEST(LabToSrgb, KeepsGreysGrey) {
-    for (int step = 0; step <= 1000; ++step) {
-        const Rgb colour = LabToSrgb(step / 10.0, 0, 0);
-        EXPECT_LE(std::abs(colour.red - colour.green), 1) << step;
-        EXPECT_LE(std::abs(colour.blue - colour.green), 1) << step;
-    }
-    EXPECT_EQ(LabToSrgb(50, -500, 500), LabToSrgb(50, -500, 500));
-    EXPECT_EQ(LabToSrgb(200, 0, 0), kWhite);
-    EXPECT_EQ(LabToSrgb(-5, 0, 0), kBlack);
 }
 
 TEST(PsdDecode, MultichannelLaysItsInksOneOverTheOther) {

@@ -1,15 +1,8 @@
-// Any bytes as a PSD file: a picture or a reason, within small limits.
+// Corpus: psd psd/invalid
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-
-#include "imaging/codecs/decoders.h"
+#include "fuzz/decode_check.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace lumo::imaging::codecs;
-    const DecodeOptions options{.limits = {.maxPixels = 4'000'000, .maxMemory = 64U << 20}};
-    const auto result = DecodePsd({data, size}, options);
-    if (result ? result->image.IsEmpty() : result.Message().empty()) std::abort();
+    lumo::fuzz::CheckDecoder(lumo::imaging::codecs::DecodePsd, data, size);
     return 0;
 }

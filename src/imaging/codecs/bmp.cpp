@@ -43,28 +43,28 @@ Result<Bytes> EncodeBmp(ConstImageView image) {
     const std::size_t offset = kFileHeader + kInfoHeader;
     if (pixelBytes > std::numeric_limits<std::uint32_t>::max() - offset)
         return Error{"the picture is too large for a BMP file"};
-    ByteWriter out(offset + pixelBytes);
-    out.Text("BM");
-    out.U32Le(static_cast<std::uint32_t>(offset + pixelBytes));
-    out.U32Le(0);
-    out.U32Le(static_cast<std::uint32_t>(offset));
-    out.U32Le(static_cast<std::uint32_t>(kInfoHeader));
-    out.U32Le(static_cast<std::uint32_t>(image.Width()));
-    out.U32Le(static_cast<std::uint32_t>(image.Height()));  // positive: from the bottom up
-    out.U16Le(1);                                           // colour planes
-    out.U16Le(24);
-    out.U32Le(0);  // not compressed
-    out.U32Le(static_cast<std::uint32_t>(pixelBytes));
-    out.U32Le(kPixelsPerMetre);
-    out.U32Le(kPixelsPerMetre);
-    out.U32Le(0);  // no colour table
-    out.U32Le(0);
-    std::vector<std::uint8_t> row(rowBytes);  // the padding stays 0
-    for (int y = image.Height() - 1; y >= 0; --y) {
-        RgbFromBgr(image.Row(y), image.Width(), row.data());  // the swap is its own inverse
-        out.Append(row);
-    }
-    return out.Finish();
+    return BuildFile(offset + pixelBytes, [&](ByteWriter& out) {
+        out.Text("BM");
+        out.U32Le(static_cast<std::uint32_t>(offset + pixelBytes));
+        out.U32Le(0);
+        out.U32Le(static_cast<std::uint32_t>(offset));
+        out.U32Le(static_cast<std::uint32_t>(kInfoHeader));
+        out.U32Le(static_cast<std::uint32_t>(image.Width()));
+        out.U32Le(static_cast<std::uint32_t>(image.Height()));  // positive: from the bottom up
+        out.U16Le(1);                                           // colour planes
+        out.U16Le(24);
+        out.U32Le(0);  // not compressed
+        out.U32Le(static_cast<std::uint32_t>(pixelBytes));
+        out.U32Le(kPixelsPerMetre);
+        out.U32Le(kPixelsPerMetre);
+        out.U32Le(0);  // no colour table
+        out.U32Le(0);
+        std::vector<std::uint8_t> row(rowBytes);  // the padding stays 0
+        for (int y = image.Height() - 1; y >= 0; --y) {
+            RgbFromBgr(image.Row(y), image.Width(), row.data());  // the swap is its own inverse
+            out.Append(row);
+        }
+    });
 }
 
 }  // namespace lumo::imaging::codecs

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -21,6 +22,11 @@ class ByteWriter {
     void U16Be(unsigned value) { BigEndian(value, 2); }
     void U32Be(std::uint32_t value) { BigEndian(value, 4); }
     void Zeros(std::size_t count) { bytes_.resize(bytes_.size() + count); }
+    /// `count` zeros, to be filled before anything else is written.
+    std::uint8_t* Room(std::size_t count) {
+        Zeros(count);
+        return bytes_.data() + bytes_.size() - count;
+    }
     void Text(std::string_view text) { bytes_.insert(bytes_.end(), text.begin(), text.end()); }
     void Append(ByteView bytes) { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); }
 
@@ -37,5 +43,17 @@ class ByteWriter {
 
     Bytes bytes_;
 };
+
+/// The file that `write` puts into the writer, or a refusal where memory is spent.
+template <class Write>
+Result<Bytes> BuildFile(std::size_t expected, const Write& write) {
+    try {
+        ByteWriter out(expected);
+        write(out);
+        return out.Finish();
+    } catch (const std::bad_alloc&) {
+        return platform::Error{"not enough memory"};
+    }
+}
 
 }  // namespace lumo::imaging::codecs

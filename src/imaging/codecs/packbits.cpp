@@ -1,8 +1,9 @@
 #include "imaging/codecs/packbits.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
+
+#include "imaging/codecs/byte_words.h"
 
 namespace lumo::imaging::codecs {
 namespace {
@@ -12,17 +13,13 @@ constexpr std::size_t kMinRun = 3;  // two equal bytes cost as much as two of th
 
 // The next place from `at` on where three equal bytes stand, or the end.
 std::size_t FindRun(ByteView bytes, std::size_t at) {
-    if constexpr (std::endian::native == std::endian::little) {
-        // Eight places a step: a zero byte in `differs` is the first of three equal ones.
-        for (; at + 10 <= bytes.size(); at += 8) {
-            std::uint64_t first = 0, second = 0, third = 0;
-            std::memcpy(&first, &bytes[at], 8);
-            std::memcpy(&second, &bytes[at + 1], 8);
-            std::memcpy(&third, &bytes[at + 2], 8);
-            const std::uint64_t differs = (first ^ second) | (first ^ third);
-            const std::uint64_t zeros =
-                (differs - 0x0101010101010101U) & ~differs & 0x8080808080808080U;
-            if (zeros != 0) return at + static_cast<std::size_t>(std::countr_zero(zeros)) / 8;
+    if constexpr (kUseWords) {
+        for (; at + kWordBytes + 2 <= bytes.size(); at += kWordBytes) {
+            const std::uint64_t first = LoadWord(&bytes[at]);
+            const std::uint64_t differs =
+                (first ^ LoadWord(&bytes[at + 1])) | (first ^ LoadWord(&bytes[at + 2]));
+            const std::uint64_t runs = ZeroBytes(differs);
+            if (runs != 0) return at + BytesBeforeBit(runs);
         }
     }
     for (; at + kMinRun <= bytes.size(); ++at)
@@ -64,9 +61,7 @@ void PackBits(ByteView bytes, std::vector<std::uint8_t>& codes) {
             at += count;
         }
         if (at == bytes.size()) break;
-        std::size_t count = kMinRun;
-        while (count < kMaxCount && at + count < bytes.size() && bytes[at + count] == bytes[at])
-            ++count;
+        const std::size_t count = CountEqual(&bytes[at], std::min(bytes.size() - at, kMaxCount));
         codes.push_back(static_cast<std::uint8_t>(257 - count));
         codes.push_back(bytes[at]);
         at += count;

@@ -216,30 +216,30 @@ Result<Bytes> EncodePcx(ConstImageView image) {
         return Error{"the picture is too large for a PCX file"};
     const auto width = static_cast<std::size_t>(image.Width());
     const std::size_t lineBytes = width + width % 2;
-    ByteWriter out(kHeaderBytes + image.Bytes().size());
-    out.U8(kMaker);
-    out.U8(5);  // version
-    out.U8(1);  // run lengths
-    out.U8(8);  // bits of a plane
-    out.Zeros(4);
-    out.U16Le(static_cast<unsigned>(image.Width() - 1));
-    out.U16Le(static_cast<unsigned>(image.Height() - 1));
-    out.U16Le(72);  // dots an inch
-    out.U16Le(72);
-    out.Zeros(48 + 1);
-    out.U8(3);
-    out.U16Le(static_cast<unsigned>(lineBytes));
-    out.U16Le(1);  // colours, not shades of grey
-    out.Zeros(kHeaderBytes - out.Size());
-    std::array<std::vector<std::uint8_t>, 3> planes;
-    for (auto& plane : planes) plane.resize(lineBytes);
-    std::vector<std::uint8_t> codes;
-    for (int y = 0; y < image.Height(); ++y) {
-        PlanesFromRgb(image.Row(y), image.Width(), planes[0].data(), planes[1].data(),
-                      planes[2].data());
-        for (const auto& plane : planes) out.Append(PcxRuns(plane, codes));
-    }
-    return out.Finish();
+    return BuildFile(kHeaderBytes + image.Bytes().size() / 4 * 5, [&](ByteWriter& out) {
+        out.U8(kMaker);
+        out.U8(5);  // version
+        out.U8(1);  // run lengths
+        out.U8(8);  // bits of a plane
+        out.Zeros(4);
+        out.U16Le(static_cast<unsigned>(image.Width() - 1));
+        out.U16Le(static_cast<unsigned>(image.Height() - 1));
+        out.U16Le(72);  // dots an inch
+        out.U16Le(72);
+        out.Zeros(48 + 1);
+        out.U8(3);
+        out.U16Le(static_cast<unsigned>(lineBytes));
+        out.U16Le(1);  // colours, not shades of grey
+        out.Zeros(kHeaderBytes - out.Size());
+        std::array<std::vector<std::uint8_t>, 3> planes;
+        for (auto& plane : planes) plane.resize(lineBytes);
+        std::vector<std::uint8_t> codes;
+        for (int y = 0; y < image.Height(); ++y) {
+            PlanesFromRgb(image.Row(y), image.Width(), planes[0].data(), planes[1].data(),
+                          planes[2].data());
+            for (const auto& plane : planes) out.Append(PcxRuns(plane, codes));
+        }
+    });
 }
 
 }  // namespace lumo::imaging::codecs

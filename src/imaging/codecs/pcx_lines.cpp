@@ -1,37 +1,17 @@
 #include "imaging/codecs/pcx_lines.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
+
+#include "imaging/codecs/byte_words.h"
 
 namespace lumo::imaging::codecs {
 namespace {
 
 constexpr std::uint8_t kRunMark = 0xC0;
-constexpr std::size_t kWord = 8;  // bytes that are looked at together
-
-// The words below count their bytes from the low end.
-constexpr bool kUseWords = std::endian::native == std::endian::little;
-
-std::uint64_t LoadWord(const std::uint8_t* bytes) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, kWord);
-    return word;
-}
-
 // The top bit of each byte that says or must be said with a run.
 std::uint64_t MarkedBytes(std::uint64_t word) {
     return word & word << 1 & 0x8080808080808080U;
-}
-
-// The lowest bit that is set belongs to the first byte that is zero; higher ones may be wrong.
-std::uint64_t ZeroBytes(std::uint64_t word) {
-    return (word - 0x0101010101010101U) & ~word & 0x8080808080808080U;
-}
-
-// Bytes before the first one of such bits; 8 if there is none.
-std::size_t CountBefore(std::uint64_t bits) {
-    return static_cast<std::size_t>(std::countr_zero(bits)) / 8;
 }
 
 }  // namespace
@@ -40,7 +20,7 @@ PcxLines::PcxLines(ByteView bytes, std::size_t lineBytes, bool runLengths)
     : bytes_(bytes),
       lineBytes_(lineBytes),
       runLengths_(runLengths),
-      line_(runLengths ? lineBytes + kWord : 0) {}
+      line_(runLengths ? lineBytes + kWordBytes : 0) {}
 
 const std::uint8_t* PcxLines::Next() {
     if (runLengths_) return Unpack() ? line_.data() : nullptr;
@@ -82,18 +62,18 @@ void PcxLines::CopyWords(std::uint8_t*& out, const std::uint8_t* end) {
     if constexpr (!kUseWords) return;
     const std::uint8_t* in = bytes_.data() + at_;
     const std::uint8_t* const inEnd = bytes_.data() + bytes_.size();
-    while (end - out >= static_cast<std::ptrdiff_t>(kWord) &&
-           inEnd - in >= static_cast<std::ptrdiff_t>(kWord) + 2) {
+    while (end - out >= static_cast<std::ptrdiff_t>(kWordBytes) &&
+           inEnd - in >= static_cast<std::ptrdiff_t>(kWordBytes) + 2) {
         const std::uint64_t word = LoadWord(in);
-        std::memcpy(out, &word, kWord);
-        const std::size_t literals = CountBefore(MarkedBytes(word));
+        std::memcpy(out, &word, kWordBytes);
+        const std::size_t literals = BytesBeforeBit(MarkedBytes(word));
         in += literals;
         out += literals;
-        if (literals == kWord) continue;
+        if (literals == kWordBytes) continue;
         const std::size_t count = *in & kMaxPcxRun;
-        if (count > kWord || count > static_cast<std::size_t>(end - out)) break;
+        if (count > kWordBytes || count > static_cast<std::size_t>(end - out)) break;
         const std::uint64_t run = in[1] * 0x0101010101010101U;
-        std::memcpy(out, &run, kWord);
+        std::memcpy(out, &run, kWordBytes);
         in += 2;
         out += count;
     }
@@ -101,29 +81,27 @@ void PcxLines::CopyWords(std::uint8_t*& out, const std::uint8_t* end) {
 }
 
 ByteView PcxRuns(ByteView plane, std::vector<std::uint8_t>& codes) {
-    codes.resize(std::max(codes.size(), 2 * plane.size() + kWord));
+    codes.resize(std::max(codes.size(), 2 * plane.size() + kWordBytes));
     const std::uint8_t* in = plane.data();
     const std::uint8_t* const end = in + plane.size();
     std::uint8_t* out = codes.data();
     while (in < end) {
-        if (kUseWords && end - in > static_cast<std::ptrdiff_t>(kWord)) {
+        if (kUseWords && end - in > static_cast<std::ptrdiff_t>(kWordBytes)) {
             // Up to the first byte that is marked or the same as the next one.
             const std::uint64_t word = LoadWord(in);
             const std::uint64_t stops = MarkedBytes(word) | ZeroBytes(word ^ LoadWord(in + 1));
-            const std::size_t literals = CountBefore(stops);
-            std::memcpy(out, &word, kWord);
+            const std::size_t literals = BytesBeforeBit(stops);
+            std::memcpy(out, &word, kWordBytes);
             in += literals;
             out += literals;
-            if (literals == kWord) continue;
+            if (literals == kWordBytes) continue;
         }
         const std::uint8_t value = *in;
-        const std::uint8_t* const limit = std::min(end, in + kMaxPcxRun);
-        const std::uint8_t* next = in + 1;
-        while (next < limit && *next == value) ++next;
-        if (next - in > 1 || value >= kRunMark)
-            *out++ = static_cast<std::uint8_t>(kRunMark | (next - in));
+        const std::size_t left = static_cast<std::size_t>(end - in);
+        const std::size_t count = CountEqual(in, std::min(left, kMaxPcxRun));
+        if (count > 1 || value >= kRunMark) *out++ = static_cast<std::uint8_t>(kRunMark | count);
         *out++ = value;
-        in = next;
+        in += count;
     }
     return ByteView(codes).first(static_cast<std::size_t>(out - codes.data()));
 }

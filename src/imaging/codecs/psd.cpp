@@ -10,6 +10,7 @@
 
 #include "imaging/codecs/byte_reader.h"
 #include "imaging/codecs/decoders.h"
+#include "imaging/codecs/lab.h"
 #include "imaging/codecs/psd_colour.h"
 #include "imaging/codecs/psd_planes.h"
 #include "imaging/codecs/rows.h"
@@ -121,7 +122,7 @@ std::optional<Rgb> ReadInk(ByteReader& in) {
             return CmykToRgb(ink(0), ink(1), ink(2), ink(3));
         }
         case kLab:
-            return LabToSrgb(v[0] / 100.0, signedOf(v[1]), signedOf(v[2]));
+            return LabToRgb(v[0] / 100.0, signedOf(v[1]), signedOf(v[2]));
         case kGrey: {  // 10000 is full ink
             const auto grey =
                 static_cast<std::uint8_t>(255 - std::min<int>(v[0], 10000) * 255 / 10000);

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "imaging/codecs/decoders.h"
+#include "imaging/codecs/lab.h"
 #include "imaging/simd.h"
 
 namespace lumo::imaging::codecs {
@@ -51,21 +52,6 @@ LUMO_SIMD_CLONES void RgbFromCmykPaper(const std::uint8_t* __restrict c,
 }
 
 }  // namespace
-
-Rgb LabToSrgb(double lightness, double a, double b) {
-    // CIE 15: the cube root law with its straight end; white of D50.
-    const auto decode = [](double t) {
-        return t > 6.0 / 29 ? t * t * t : (t - 4.0 / 29) * (3.0 * 36 / 841);
-    };
-    const double fy = (lightness + 16) / 116;
-    const double x = 0.96422 * decode(fy + a / 500);
-    const double y = decode(fy);
-    const double z = 0.82521 * decode(fy - b / 200);
-    // XYZ of D50 to linear sRGB, Bradford included (Lindbloom).
-    return {SrgbByte(3.1338561 * x - 1.6168667 * y - 0.4906146 * z),
-            SrgbByte(-0.9787684 * x + 1.9161415 * y + 0.0334540 * z),
-            SrgbByte(0.0719453 * x - 0.2289914 * y + 1.4052427 * z)};
-}
 
 PsdRowConverter::PsdRowConverter(PsdMode mode, int depth, int width, const Palette& palette,
                                  const std::vector<Rgb>& inks)
@@ -123,11 +109,11 @@ void PsdRowConverter::ConvertLab(const std::vector<const std::uint8_t*>& rows,
     for (std::size_t x = 0; x < static_cast<std::size_t>(width_); ++x, rgb += 3) {
         Rgb colour;
         if (depth_ == 16)
-            colour = LabToSrgb(Load16(rows[0] + 2 * x) * 100.0 / 65535,
-                               (Load16(rows[1] + 2 * x) - 32768.0) / 256,
-                               (Load16(rows[2] + 2 * x) - 32768.0) / 256);
+            colour = LabToRgb(Load16(rows[0] + 2 * x) * 100.0 / 65535,
+                              (Load16(rows[1] + 2 * x) - 32768.0) / 256,
+                              (Load16(rows[2] + 2 * x) - 32768.0) / 256);
         else
-            colour = LabToSrgb(rows[0][x] * 100.0 / 255, rows[1][x] - 128.0, rows[2][x] - 128.0);
+            colour = LabToRgb(rows[0][x] * 100.0 / 255, rows[1][x] - 128.0, rows[2][x] - 128.0);
         rgb[0] = colour.red;
         rgb[1] = colour.green;
         rgb[2] = colour.blue;

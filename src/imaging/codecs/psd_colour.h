@@ -23,10 +23,6 @@ enum class PsdMode : std::uint16_t {
     Lab = 9,
 };
 
-/// The sRGB colour of a CIE L*a*b* colour under D50: L from 0 to 100, a and b about -128 to 127.
-/// White D50 is adapted to D65 after Bradford; colours outside of sRGB are clamped.
-Rgb LabToSrgb(double lightness, double a, double b);
-
 /// Converts rows of one picture. Samples of 16 bits are rounded to 8. Samples of 32 bits are
 /// floats of linear light, which come out with the sRGB curve. Grey, duotone and bitmap come out
 /// grey; the inks of CMYK and of multichannel are laid on white paper one over the other.

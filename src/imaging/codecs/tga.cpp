@@ -149,23 +149,23 @@ Result<Decoded> DecodeTga(ByteView file, const DecodeOptions& options) {
 Result<Bytes> EncodeTga(ConstImageView image) {
     if (image.Width() > kMaxSide || image.Height() > kMaxSide)
         return Error{"the picture is too large for a TGA file"};
-    ByteWriter out(kHeaderBytes + image.Bytes().size() + kFooterBytes);
-    out.U8(0);     // no identification
-    out.U8(0);     // no colour map
-    out.U8(2);     // true colour, not compressed
-    out.Zeros(9);  // colour map; place on the screen
-    out.U16Le(static_cast<unsigned>(image.Width()));
-    out.U16Le(static_cast<unsigned>(image.Height()));
-    out.U8(24);
-    out.U8(0x20);  // from the top left; no attribute bits
-    std::vector<std::uint8_t> row(image.Stride());
-    for (int y = 0; y < image.Height(); ++y) {
-        RgbFromBgr(image.Row(y), image.Width(), row.data());  // the swap is its own inverse
-        out.Append(row);
-    }
-    out.Zeros(8);  // neither extension area nor developer area
-    out.Text(kFooterSignature);
-    return out.Finish();
+    return BuildFile(kHeaderBytes + image.Bytes().size() + kFooterBytes, [&](ByteWriter& out) {
+        out.U8(0);     // no identification
+        out.U8(0);     // no colour map
+        out.U8(2);     // true colour, not compressed
+        out.Zeros(9);  // colour map; place on the screen
+        out.U16Le(static_cast<unsigned>(image.Width()));
+        out.U16Le(static_cast<unsigned>(image.Height()));
+        out.U8(24);
+        out.U8(0x20);  // from the top left; no attribute bits
+        std::vector<std::uint8_t> row(image.Stride());
+        for (int y = 0; y < image.Height(); ++y) {
+            RgbFromBgr(image.Row(y), image.Width(), row.data());  // the swap is its own inverse
+            out.Append(row);
+        }
+        out.Zeros(8);  // neither extension area nor developer area
+        out.Text(kFooterSignature);
+    });
 }
 
 }  // namespace lumo::imaging::codecs
