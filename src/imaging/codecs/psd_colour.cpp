@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 
 #include "imaging/codecs/decoders.h"
 #include "imaging/codecs/lab.h"
@@ -10,23 +9,6 @@
 
 namespace lumo::imaging::codecs {
 namespace {
-
-constexpr int kCurveSteps = 65535;
-
-// Linear light from 0 to 1 as an sRGB byte. The steps are fine enough for the steep dark end.
-std::uint8_t SrgbByte(double linear) {
-    static const std::vector<std::uint8_t> table = [] {
-        std::vector<std::uint8_t> bytes(kCurveSteps + 1);
-        for (int i = 0; i <= kCurveSteps; ++i) {
-            const double v = static_cast<double>(i) / kCurveSteps;
-            const double s = v <= 0.0031308 ? 12.92 * v : 1.055 * std::pow(v, 1 / 2.4) - 0.055;
-            bytes[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(s * 255 + 0.5);
-        }
-        return bytes;
-    }();
-    if (!(linear > 0)) return 0;  // no number is black
-    return table[static_cast<std::size_t>(std::min(linear, 1.0) * kCurveSteps + 0.5)];
-}
 
 unsigned Load16(const std::uint8_t* p) {
     return static_cast<unsigned>(p[0] << 8 | p[1]);
@@ -75,7 +57,7 @@ const std::uint8_t* PsdRowConverter::Samples8(const std::uint8_t* row,
         Samples8From16(row, width_, scratch.data());
     } else if (depth_ == 32) {
         for (std::size_t x = 0; x < scratch.size(); ++x)
-            scratch[x] = SrgbByte(static_cast<double>(LoadFloat(row + 4 * x)));
+            scratch[x] = SrgbFromLinear(static_cast<double>(LoadFloat(row + 4 * x)));
     } else {
         UnpackIndices(row, 1, width_, scratch.data());
         for (auto& v : scratch) v = v != 0 ? 0 : 255;  // a set bit is ink
