@@ -23,18 +23,19 @@ std::array<std::uint8_t, kCurveSteps + 1> MakeCurve() {
     return curve;
 }
 
-std::uint8_t FromLinear(double linear) {
-    static const auto curve = MakeCurve();
-    const double place = std::clamp(linear, 0.0, 1.0) * kCurveSteps + 0.5;
-    return curve[static_cast<std::size_t>(place)];
-}
-
 double InverseF(double t) {
     constexpr double kDelta = 6.0 / 29.0;
     return t > kDelta ? t * t * t : 3 * kDelta * kDelta * (t - 4.0 / 29.0);
 }
 
 }  // namespace
+
+std::uint8_t SrgbFromLinear(double linear) {
+    static const auto curve = MakeCurve();
+    if (!(linear > 0)) return 0;
+    const double place = std::min(linear, 1.0) * kCurveSteps + 0.5;
+    return curve[static_cast<std::size_t>(place)];
+}
 
 Rgb LabToRgb(double lightness, double a, double b) {
     const double fy = (lightness + 16) / 116;
@@ -46,7 +47,7 @@ Rgb LabToRgb(double lightness, double a, double b) {
     const double red = 3.0217267 * x - 1.6168667 * y - 0.4048600 * z;
     const double green = -0.9437480 * x + 1.9161415 * y + 0.0276065 * z;
     const double blue = 0.0693711 * x - 0.2289914 * y + 1.1596203 * z;
-    return {FromLinear(red), FromLinear(green), FromLinear(blue)};
+    return {SrgbFromLinear(red), SrgbFromLinear(green), SrgbFromLinear(blue)};
 }
 
 }  // namespace lumo::imaging::codecs
