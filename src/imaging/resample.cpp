@@ -413,6 +413,11 @@ ResampleFilter FilterOfCode(int code) {
 
 bool ResizeImage(ConstImageView source, ImageView target, ResampleFilter filter) {
     assert(!source.IsEmpty() && !target.IsEmpty());
+    if (std::max({source.Width(), source.Height(), target.Width(), target.Height()}) >
+        kLongestSide) {
+        SetLastError("a side is too long to change the size");
+        return false;
+    }
     if (source.Extent() == target.Extent()) {
         std::memcpy(target.Bytes().data(), source.Bytes().data(), source.Bytes().size());
         return true;

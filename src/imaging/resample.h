@@ -25,10 +25,12 @@ enum class ResampleFilter {
 /// is bilinear.
 ResampleFilter FilterOfCode(int code);
 
+inline constexpr int kLongestSide = 1 << 26;
+
 /// Resamples the whole source into the whole target. Edges are clamped; a flat picture stays
 /// exactly flat; the same size gives the same bytes. The views must not overlap and not be empty.
-/// False, with LastError() set, only if the scratch memory cannot be had; the target's pixels are
-/// undefined then.
+/// False, with LastError() set, if the scratch memory cannot be had or a side has more than
+/// kLongestSide pixels; the target's pixels are undefined then.
 [[nodiscard]] bool ResizeImage(ConstImageView source, ImageView target, ResampleFilter filter);
 
 }  // namespace lumo::imaging

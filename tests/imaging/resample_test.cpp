@@ -257,6 +257,15 @@ TEST(ResizeImage, TakesSidesOfTheLargestPicture) {
     }
 }
 
+TEST(ResizeImage, RefusesSidesBeyondItsArithmetic) {
+    auto longest = Image::TryCreate({kLongestSide + 1, 1});
+    if (!longest) GTEST_SKIP() << "no memory for so long a row";
+    Image target = test::FlatImage({4, 1}, {});
+    EXPECT_FALSE(ResizeImage(longest->View(), target.View(), ResampleFilter::Bilinear));
+    EXPECT_FALSE(ResizeImage(target.View(), longest->View(), ResampleFilter::Nearest));
+    EXPECT_EQ(LastError(), "a side is too long to change the size");
+}
+
 TEST(ResizeImage, StaysExactOverThousandsOfTaps) {
     const Image wide = test::RandomImage({30000, 2}, 9);
     const Image high = test::RandomImage({2, 30000}, 9);

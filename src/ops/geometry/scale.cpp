@@ -1,5 +1,6 @@
 #include "ops/geometry/scale.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -24,8 +25,8 @@ constexpr std::string_view kGivenNames[] = {"Width", "Height", "Best fit"};
 const std::array kFields{
     Flag("Maintain aspect ratio (constrains proportions)", "1"),
     Choice("Method", "0", kMethodNames),
-    Integer("Width", "128").Clamp(4, 65500).ClampWhen(kMethod, "1", -65500, 65500),
-    Integer("Height", "96").Clamp(4, 65500).ClampWhen(kMethod, "1", -65500, 65500),
+    Integer("Width", "128").Clamp(0, 65500).ClampWhen(kMethod, "1", -65500, 65500),
+    Integer("Height", "96").Clamp(0, 65500).ClampWhen(kMethod, "1", -65500, 65500),
     Choice("Sizing algorithm", "3", SizingDialogNames(), SizingCodes()),
     Choice("Given side", "0", kGivenNames)};
 constexpr DialogSpec kDialog{.title = "Scale image - change image size",
@@ -63,6 +64,18 @@ Outcome RunScale(CLumoscriptView& view, const Fields& fields) {
     return Outcome::Succeeded;
 }
 
+/// The new size beside the sample: what is smaller looks smaller, what is larger fills the frame.
+Image PreviewScale(imaging::ConstImageView before, Size sample, const Fields& fields) {
+    const Size target = ScaledSize(sample, ReadScale(fields));
+    const bool refused = target.width < kSmallestSide || target.height < kSmallestSide;
+    const Size shown = refused ? before.Extent() : ShownSize(target, sample, before.Extent());
+    const int code = SizingCode(SizingTable::Scale, fields.Text(kSizing), before.Extent(), shown);
+    auto after = Image::TryCreate(shown);
+    if (!after || !imaging::ResizeImage(before, after->View(), imaging::FilterOfCode(code)))
+        return {};
+    return std::move(*after);
+}
+
 /// A change of pixels shows its sign.
 std::string WithSign(const std::string& value) {
     return value.starts_with('-') ? value : "+" + value;
@@ -83,8 +96,8 @@ std::string ScalePanel(const Fields& fields) {
     }
     const bool follows = fields.Is(kAspect, "1");
     text += follows && fields.Is(kGivenSide, "1") ? "Width: auto set\n" : "Width: " + width + "\n";
-    text +=
-        follows && fields.Is(kGivenSide, "0") ? "Height: auto set\n" : "Height: " + height + "\n";
+    const bool heightGiven = fields.Is(kGivenSide, "1") || fields.Is(kGivenSide, "2");
+    text += follows && !heightGiven ? "Height: auto set\n" : "Height: " + height + "\n";
     return text + "Sizing algorithm: " + std::string(SizingPanelName(fields.Text(kSizing))) + "\n";
 }
 
@@ -92,8 +105,10 @@ std::int32_t WrappingSum(int a, int b) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
 }
 
-/// Unsigned, 32 bits, truncating: part of the contract.
+/// Unsigned, 32 bits, truncating: part of the contract. Nothing is left of a side at less than 0
+/// percent; wrapped around it would be longer than any picture.
 std::int32_t Percent(int side, int percent) {
+    if (percent < 0) return 0;
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(side) *
                                      static_cast<std::uint32_t>(percent) / 100U);
 }
@@ -125,9 +140,19 @@ Size ScaledSize(Size current, const ScaleParams& params) {
     return current;
 }
 
+Size ShownSize(Size target, Size sample, Size shown) {
+    // Of the frame; above 1 the whole is reduced.
+    const double width = static_cast<double>(target.width) / sample.width;
+    const double height = static_cast<double>(target.height) / sample.height;
+    const double reduction = std::max({1.0, width, height});
+    return {std::max(1, Truncate(shown.width * width / reduction)),
+            std::max(1, Truncate(shown.height * height / reduction))};
+}
+
 const Command kScaleCommand{
     .spec = {.name = names::kScale, .fields = kFields, .panelText = ScalePanel, .dialog = &kDialog},
     .opening = openings::kStandard,
-    .run = RunScale};
+    .run = RunScale,
+    .preview = PreviewScale};
 
 }  // namespace lumo::ops::geometry

@@ -20,6 +20,10 @@ struct ScaleParams {
 /// The size asked for, by 32-bit arithmetic that truncates; it may be anything, also negative.
 imaging::Size ScaledSize(imaging::Size current, const ScaleParams& params);
 
+/// The size in which a dialog shows a picture that `sample` pixels are scaled to, where it shows
+/// the sample itself in `shown` pixels: in the same proportion, but never larger than `shown`.
+imaging::Size ShownSize(imaging::Size target, imaging::Size sample, imaging::Size shown);
+
 extern const engine::Command kScaleCommand;
 
 }  // namespace lumo::ops::geometry

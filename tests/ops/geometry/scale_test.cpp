@@ -60,6 +60,17 @@ TEST(ScaledSize, Percentage) {
     EXPECT_EQ(percent(false, 50, 10), (Size{320, 47}));
 }
 
+TEST(ScaledSize, NothingIsLeftAtNegativePercent) {
+    EXPECT_EQ(ScaledSize({10, 8}, {false, ScaleMethod::Percentage, -50, 100}), (Size{0, 8}));
+    EXPECT_EQ(ScaledSize({10, 8}, {true, ScaleMethod::Percentage, INT32_MIN, 0}), (Size{0, 0}));
+}
+
+TEST(ScaledSize, PercentOfUnsigned32Bits) {
+    // 65500 * 50000 lies between 2^31 and 2^32, 65500 * 70000 beyond.
+    EXPECT_EQ(ScaledSize({65500, 4}, {true, ScaleMethod::Percentage, 50'000}).width, 32'750'000);
+    EXPECT_EQ(ScaledSize({65500, 4}, {true, ScaleMethod::Percentage, 70'000}).width, 2'900'327);
+}
+
 TEST(ScaledSize, IsDefinedForAnyNumber) {
     for (const int a : {INT32_MIN, -1, 0, 1, INT32_MAX})
         for (const int b : {INT32_MIN, -1, 0, 1, INT32_MAX})
@@ -142,6 +153,30 @@ TEST(ScaleCommand, MemoryFailureLeavesTheImage) {
     EXPECT_EQ(runner.Main().Extent(), (Size{64, 48}));
 }
 
+// Room for the new picture, but for nothing else.
+TEST(ScaleCommand, FailureOfTheResamplingLeavesTheImage) {
+    test::CommandRunner runner(test::CoordinateImage({64, 48}));
+    constexpr std::size_t kTarget = 128 * 96 * 3;  // whole pages
+    static_assert(kTarget % 4096 == 0);
+    const test::ScopedMemoryBudget budget(imaging::MemoryInUse() + kTarget);
+    EXPECT_FALSE(runner.Run(kScaleCommand, "6,1,0,128,96,3,0,"));
+    EXPECT_THAT(runner.messages, ElementsAre(StartsWith("Cmd_69 Scale L15278:   IS_error ")));
+    EXPECT_TRUE(test::SamePixels(runner.Main(), test::CoordinateImage({64, 48})));
+}
+
+TEST(ScaleCommand, PreviewShowsTheNewSizeBesideTheSample) {
+    EXPECT_EQ(ShownSize({320, 240}, kWide, {200, 150}), (Size{100, 75}));
+    EXPECT_EQ(ShownSize({1280, 960}, kWide, {200, 150}), (Size{200, 150}));
+    EXPECT_EQ(ShownSize({1280, 480}, kWide, {200, 150}), (Size{200, 75}));
+    EXPECT_EQ(ShownSize({4, 2000}, kWide, {200, 150}), (Size{1, 150}));
+    const imaging::Image before = test::FlatImage({200, 150}, {9, 8, 7});
+    const auto preview = [&](std::string_view params) {
+        return kScaleCommand.preview(before.View(), kWide, script::ParseParams(params)).Extent();
+    };
+    EXPECT_EQ(preview("6,1,0,320,0,3,0,"), (Size{100, 75}));
+    EXPECT_EQ(preview("6,1,0,1,1,3,0,"), (Size{200, 150}));  // refused: as before
+}
+
 TEST(ScaleCommand, PanelTellsTheFields) {
     const auto panel = [](std::string_view params) {
         return script::PanelText(kScaleCommand.spec, script::ParseParams(params));
@@ -158,6 +193,9 @@ TEST(ScaleCommand, PanelTellsTheFields) {
     EXPECT_EQ(panel("6,0,1,-10,20,2,1,"),
               "Size not constrained\nMethod: Relative adjustment\nWidth: -10\n"
               "Height: +20\nSizing algorithm: Auto select\n");
+    EXPECT_EQ(panel("5,1,2,50,20,18,"),  // before there was a sixth field
+              "Aspect ratio maintained\nMethod: Percentage\nWidth: 50\nHeight: auto set\n"
+              "Sizing algorithm: Catrom\n");
     EXPECT_EQ(panel("6,1,2,50,20,18,2,"),
               "Aspect ratio maintained\nMethod: Percentage\nWidth: 50\nHeight: 20\n"
               "Sizing algorithm: Catrom\n");

@@ -108,6 +108,23 @@ TEST(SizeAndCropCommand, MemoryFailureOfTheResamplingLeavesTheImageCut) {
     run({300, 400}, "Cmd_73 Resize L13997: memory failure", {300, 300});
 }
 
+// Room for the cut beside the source and then for the target beside the cut, but for nothing else.
+TEST(SizeAndCropCommand, FailureOfTheResamplingItselfLeavesTheImageCut) {
+    const auto run = [](Size size, const char* text) {
+        test::CommandRunner runner(test::CoordinateImage(size));
+        constexpr std::size_t kSquare = 64 * 64 * 3;  // whole pages, as the target's
+        static_assert(kSquare % 4096 == 0 && 128 * 128 * 3 % 4096 == 0);
+        const std::size_t source = size.Area() * 3;
+        const test::ScopedMemoryBudget budget(imaging::MemoryInUse() - source + kSquare +
+                                              128 * 128 * 3);
+        EXPECT_FALSE(runner.Run(kSizeAndCropCommand, "3,128,128,3,"));
+        EXPECT_THAT(runner.messages, ElementsAre(StartsWith(text)));
+        EXPECT_EQ(runner.Main().Extent(), (Size{64, 64}));
+    };
+    run({128, 64}, "Cmd_73 Scale L13945:   IS_error ");
+    run({64, 128}, "Cmd_73 Scale L14010:   IS_error ");
+}
+
 TEST(SizeAndCropCommand, PanelAndFactoryString) {
     EXPECT_EQ(script::PanelText(kSizeAndCropCommand.spec, script::ParseParams("3,128,96,3,")),
               "Converted size (pixels)\nWidth: 128\nHeight: 96\nSizing: Bicubic resample\n");
