@@ -25,6 +25,7 @@ struct Opening {
     bool skipInTest = true;  // the skip test outside of a run
     bool skipInRun = false;  // and also in one: two commands only
     bool ownFlow = false;    // moves `pc` itself and asks the skip test itself: block commands
+    bool waitCursor = true;  // shown while the handler works; block commands never have one
 };
 
 namespace openings {

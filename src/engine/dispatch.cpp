@@ -61,7 +61,7 @@ Outcome ExecuteCommand(CLumoscriptView& view, const Command* command, std::strin
         return Outcome::Succeeded;
     if (opening.needsImage && !HasMainImage(view)) return Outcome::Failed;
     const script::Fields fields = script::ParseParams(params);
-    if (ownFlow) return command->run(view, fields);
+    if (ownFlow || !opening.waitCursor) return command->run(view, fields);
     const WaitCursor cursor(view.ui);
     return command->run(view, fields);
 }
