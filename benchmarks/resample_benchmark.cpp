@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "bench_images.h"
+#include "imaging/parallel.h"
 #include "imaging/resample.h"
 
 namespace lumo::bench {
@@ -23,6 +24,13 @@ void Resize(benchmark::State& state, Size from, Size to, ResampleFilter filter) 
         benchmark::ClobberMemory();
     }
 }
+
+void BM_ResizeOnTwoThreads(benchmark::State& state) {
+    imaging::SetKernelThreads(2);
+    Resize(state, k12Megapixels, {1280, 960}, ResampleFilter::Bicubic);
+    imaging::SetKernelThreads(1);
+}
+BENCHMARK(BM_ResizeOnTwoThreads)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 #define RESIZE(name, filter)                                                    \
     BENCHMARK_CAPTURE(Resize, name##_12MP_to_1280, k12Megapixels, {1280, 960},  \

@@ -277,7 +277,7 @@ void SumAllPixels(const ColumnSum& sum, const std::int16_t* const* pairs, Out* c
     std::copy_n(out, kRows, to);
     const std::size_t step = static_cast<std::size_t>(pairCount) * kPairSize;
     const auto half = hn::Set(Block32(), 1 << (shift - 1));
-    for (int x = 0; x < width; ++x, weights += step) {
+    const auto makePixel = [&](int x, bool last) HWY_ATTR {
         Sums sums[kRows];
         for (auto& row : sums) row = half;
         const auto offset = static_cast<std::size_t>(offsets[x]);
@@ -286,8 +286,11 @@ void SumAllPixels(const ColumnSum& sum, const std::int16_t* const* pairs, Out* c
         done = AddBlocks<2, kRows>(from, offset, weights, done, pairCount, sums);
 #endif
         AddBlocks<1, kRows>(from, offset, weights, done, pairCount, sums);
-        StorePixels<kRows>(sums, shift, static_cast<std::size_t>(x), to, x + 1 == width);
-    }
+        StorePixels<kRows>(sums, shift, static_cast<std::size_t>(x), to, last);
+        weights += step;
+    };
+    for (int x = 0; x + 1 < width; ++x) makePixel(x, false);
+    makePixel(width - 1, true);
 }
 
 template <typename Out>
