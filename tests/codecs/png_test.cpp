@@ -39,6 +39,9 @@ std::vector<Chunk> ChunksOf(const Bytes& file) {
         const std::size_t length = BigEndian32(file, at);
         const auto* text = reinterpret_cast<const char*>(file.data()) + at + 4;
         chunks.push_back({std::string(text, 4), std::string(text + 4, length)});
+        EXPECT_EQ(crc32(0, file.data() + at + 4, static_cast<uInt>(length + 4)),
+                  BigEndian32(file, at + 8 + length))
+            << "checksum of " << chunks.back().type;
         at += 12 + length;
     }
     return chunks;
