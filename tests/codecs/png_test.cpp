@@ -1,13 +1,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <png.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <optional>
+#include <random>
 
 #include "imaging/codecs/decoders.h"
+#include "imaging/codecs/png_plain.h"
 #include "support/decoder_checks.h"
 #include "support/test_files.h"
 #include "support/test_images.h"
@@ -36,9 +39,24 @@ std::vector<Chunk> ChunksOf(const Bytes& file) {
         const std::size_t length = BigEndian32(file, at);
         const auto* text = reinterpret_cast<const char*>(file.data()) + at + 4;
         chunks.push_back({std::string(text, 4), std::string(text + 4, length)});
+        EXPECT_EQ(crc32(0, file.data() + at + 4, static_cast<uInt>(length + 4)),
+                  BigEndian32(file, at + 8 + length))
+            << "checksum of " << chunks.back().type;
         at += 12 + length;
     }
     return chunks;
+}
+
+void AppendChunk(Bytes& file, const Chunk& chunk) {
+    const auto number = [&file](std::size_t value) {
+        for (int shift = 24; shift >= 0; shift -= 8)
+            file.push_back(static_cast<std::uint8_t>(value >> shift));
+    };
+    const std::string checked = chunk.type + chunk.data;
+    number(chunk.data.size());
+    file.insert(file.end(), checked.begin(), checked.end());
+    number(crc32(0, reinterpret_cast<const Bytef*>(checked.data()),
+                 static_cast<uInt>(checked.size())));
 }
 
 std::vector<std::string> DataOf(const Bytes& file, std::string_view type) {
@@ -55,6 +73,8 @@ struct RawPng {
     std::vector<png_color> palette = {};
     std::vector<std::uint8_t> paletteAlpha = {};
     std::optional<png_color_16> transparent = std::nullopt;
+    int filters = PNG_ALL_FILTERS;
+    std::string text = {};
 };
 
 Bytes Write(RawPng raw) {
@@ -76,6 +96,11 @@ Bytes Write(RawPng raw) {
     if (!raw.paletteAlpha.empty() || raw.transparent)
         png_set_tRNS(png, info, raw.paletteAlpha.data(), static_cast<int>(raw.paletteAlpha.size()),
                      raw.transparent ? &*raw.transparent : nullptr);
+    png_set_filter(png, 0, raw.filters);
+    std::string key = "Comment";
+    png_text entry{
+        .compression = PNG_TEXT_COMPRESSION_NONE, .key = key.data(), .text = raw.text.data()};
+    if (!raw.text.empty()) png_set_text(png, info, &entry, 1);
     png_write_info(png, info);
     const std::size_t stride = raw.rows.size() / static_cast<std::size_t>(raw.height);
     for (int y = 0; y < raw.height; ++y)
@@ -210,6 +235,60 @@ TEST(DecodePng, RefusesDamagedPixelsAndForgivesDamagedTexts) {
     auto text = DecodePng(with("tEXt"), {});
     ASSERT_TRUE(text) << text.Message();
     EXPECT_TRUE(test::SamePixels(text->image, image));
+}
+
+// Files without flaw take a way of their own; libpng is asked as soon as a text is damaged.
+TEST(DecodePng, BothWaysGiveTheSamePixels) {
+    for (const Size size : {Size{1, 1}, {1, 9}, {7, 1}, {3, 5}, {64, 41}, {211, 30}})
+        for (const int colourType : {PNG_COLOR_TYPE_RGB, PNG_COLOR_TYPE_RGB_ALPHA})
+            for (const int filter : {PNG_FILTER_NONE, PNG_FILTER_SUB, PNG_FILTER_UP, PNG_FILTER_AVG,
+                                     PNG_FILTER_PAETH, PNG_ALL_FILTERS}) {
+                const int pixel = colourType == PNG_COLOR_TYPE_RGB ? 3 : 4;
+                RawPng raw{size.width, size.height, 8, colourType, {}};
+                raw.filters = filter;
+                raw.text = "damaged below";
+                std::mt19937 random(static_cast<std::uint32_t>(filter));
+                for (std::size_t i = 0; i < size.Area() * static_cast<std::size_t>(pixel); ++i)
+                    raw.rows.push_back(static_cast<std::uint8_t>(random() >> 24));
+                const Bytes whole = Write(raw);
+                Bytes damaged = whole;
+                const std::string_view text = "damaged";
+                *std::search(damaged.begin(), damaged.end(), text.begin(), text.end()) ^= 1;
+                ASSERT_TRUE(TryDecodePlainPng(whole, {}));
+                ASSERT_FALSE(TryDecodePlainPng(damaged, {}));
+                const Decoded byLibrary = MustDecode(damaged);
+                EXPECT_NE(byLibrary.warning, "");
+                EXPECT_TRUE(test::SamePixels(MustDecode(whole).image, byLibrary.image));
+                EXPECT_EQ(MustDecode(whole).bitsPerPixel, pixel * 8);
+                if (pixel == 4) continue;
+                const auto bytes = byLibrary.image.View().Bytes();
+                EXPECT_TRUE(std::ranges::equal(bytes, raw.rows));
+            }
+}
+
+TEST(DecodePng, ReadsPixelsInManyPieces) {
+    const Image image = test::PhotoLikeImage({90, 60});
+    const Bytes file = *EncodePng(image.View(), {});
+    Bytes pieces(file.begin(), file.begin() + 8);
+    for (const Chunk& chunk : ChunksOf(file)) {
+        const bool pixels = chunk.type == "IDAT";
+        for (std::size_t at = 0; at == 0 || at < chunk.data.size(); at += pixels ? 7 : SIZE_MAX / 2)
+            AppendChunk(pieces, {chunk.type, pixels ? chunk.data.substr(at, 7) : chunk.data});
+    }
+    EXPECT_TRUE(test::SamePixels(MustDecode(pieces).image, image));
+}
+
+TEST(DecodePng, LeavesFlawsToTheLibrary) {
+    const Image image = test::RandomImage({20, 20}, 1);
+    const Bytes file = *EncodePng(image.View(), {});
+    ASSERT_TRUE(TryDecodePlainPng(file, {}));
+    EXPECT_FALSE(TryDecodePlainPng(file, {.maxPixels = 399}));
+    for (std::size_t at = 0; at < file.size(); ++at) {
+        Bytes damaged = file;
+        damaged[at] ^= 0x10;
+        EXPECT_FALSE(TryDecodePlainPng(damaged, {})) << "byte " << at;
+        EXPECT_FALSE(TryDecodePlainPng(ByteView(file).first(at), {})) << at << " bytes";
+    }
 }
 
 TEST(DecodePng, RefusesWhatEndsTooEarly) {

@@ -12,6 +12,8 @@
 #include <cstring>
 
 #include "imaging/codecs/decoders.h"
+#include "imaging/codecs/png_plain.h"
+#include "imaging/codecs/png_rows.h"
 #include "imaging/last_error.h"
 
 namespace lumo::imaging::codecs {
@@ -115,11 +117,6 @@ void Reader::ReadRows() {
         for (int y = 0; y < rows.Height(); ++y) png_read_row(png_, rows.Row(y), nullptr);
 }
 
-void LayOverWhite(const std::uint8_t* rgba, std::uint8_t* rgb, int width) {
-    for (int x = 0; x < width; ++x, rgba += 4, rgb += kChannels)
-        for (int c = 0; c < kChannels; ++c) rgb[c] = OverWhite(rgba[c], rgba[3]);
-}
-
 void Reader::ReadRowsOverWhite() {
     const ImageView rows = image_.View();
     const std::size_t stride = static_cast<std::size_t>(rows.Width()) * 4;
@@ -129,7 +126,7 @@ void Reader::ReadRowsOverWhite() {
     for (int pass = interlaced_ ? 7 : 1; pass > 0; --pass)
         for (int y = 0; y < rows.Height(); ++y) {
             png_read_row(png_, row(y), nullptr);
-            if (pass == 1) LayOverWhite(row(y), rows.Row(y), rows.Width());
+            if (pass == 1) RgbaOverWhite(row(y), rows.Row(y), rows.Width());
         }
 }
 
@@ -172,6 +169,7 @@ Result<Decoded> Reader::Read(const DecodeOptions& options) {
 }  // namespace
 
 Result<Decoded> DecodePng(ByteView file, const DecodeOptions& options) {
+    if (auto decoded = TryDecodePlainPng(file, options.limits)) return std::move(*decoded);
     Reader reader(file);
     return reader.Read(options);
 }

@@ -10,10 +10,10 @@
 #include <array>
 #include <cmath>
 #include <memory>
-#include <new>
 #include <span>
 #include <string_view>
 
+#include "imaging/codecs/byte_writer.h"
 #include "imaging/codecs/codec.h"
 #include "imaging/codecs/gif_palette.h"
 #include "imaging/codecs/png_filter.h"
@@ -35,21 +35,14 @@ constexpr std::array<std::uint8_t, 8> kSignature{0x89, 'P', 'N', 'G', '\r', '\n'
 
 // ---- Chunks ----------------------------------------------------------------------------------
 
-void AppendNumber(Bytes& file, std::uint32_t value) {
-    for (int shift = 24; shift >= 0; shift -= 8)
-        file.push_back(static_cast<std::uint8_t>(value >> shift));
-}
-
-void AppendText(Bytes& file, std::string_view text) {
-    file.insert(file.end(), text.begin(), text.end());
-}
-
-void AppendChunk(Bytes& file, std::string_view type, ByteView data) {
-    AppendNumber(file, static_cast<std::uint32_t>(data.size()));
-    const std::size_t checked = file.size();
-    AppendText(file, type);
-    file.insert(file.end(), data.begin(), data.end());
-    AppendNumber(file, libdeflate_crc32(0, file.data() + checked, file.size() - checked));
+void PutChunk(ByteWriter& out, std::string_view type, ByteView data) {
+    out.U32Be(static_cast<std::uint32_t>(data.size()));
+    out.Text(type);
+    out.Append(data);
+    std::uint32_t checksum = libdeflate_crc32(0, type.data(), type.size());
+    // Without a buffer the library gives a starting value instead of the sum so far.
+    if (!data.empty()) checksum = libdeflate_crc32(checksum, data.data(), data.size());
+    out.U32Be(checksum);
 }
 
 // A keyword is 1 to 79 printable Latin-1 characters without leading, trailing or double blanks.
@@ -68,42 +61,42 @@ std::string CleanKey(std::string_view key) {
     return clean;
 }
 
-void AppendHeader(Bytes& file, Size size, const PngWriteOptions& options) {
-    Bytes header;
-    AppendNumber(header, static_cast<std::uint32_t>(size.width));
-    AppendNumber(header, static_cast<std::uint32_t>(size.height));
-    const std::array<std::uint8_t, 5> rgb{8, 2, 0, 0, std::uint8_t{options.interlaced}};
-    header.insert(header.end(), rgb.begin(), rgb.end());
-    AppendChunk(file, "IHDR", header);
+void PutHeader(ByteWriter& out, Size size, const PngWriteOptions& options) {
+    out.Append(kSignature);
+    ByteWriter header(13);
+    header.U32Be(static_cast<std::uint32_t>(size.width));
+    header.U32Be(static_cast<std::uint32_t>(size.height));
+    for (const unsigned value : {8U, 2U, 0U, 0U}) header.U8(value);  // RGB, deflate, five filters
+    header.U8(options.interlaced ? 1 : 0);
+    PutChunk(out, "IHDR", header.Finish());
     if (options.gamma > 0) {
         // In 100000ths; readers take 16 to 625000000 of them.
-        Bytes gamma;
-        AppendNumber(gamma, static_cast<std::uint32_t>(
-                                std::lround(std::clamp(options.gamma, 0.00016, 6250.0) * 100000)));
-        AppendChunk(file, "gAMA", gamma);
+        ByteWriter gamma(4);
+        gamma.U32Be(static_cast<std::uint32_t>(
+            std::lround(std::clamp(options.gamma, 0.00016, 6250.0) * 100000)));
+        PutChunk(out, "gAMA", gamma.Finish());
     }
     if (options.dotsPerMetre > 0) {
-        const double dots = std::round(std::clamp(options.dotsPerMetre, 1.0, 2147483647.0));
-        Bytes resolution;
-        AppendNumber(resolution, static_cast<std::uint32_t>(dots));
-        AppendNumber(resolution, static_cast<std::uint32_t>(dots));
-        resolution.push_back(1);  // the unit is the metre
-        AppendChunk(file, "pHYs", resolution);
+        const auto dots = static_cast<std::uint32_t>(
+            std::round(std::clamp(options.dotsPerMetre, 1.0, 2147483647.0)));
+        ByteWriter resolution(9);
+        resolution.U32Be(dots);
+        resolution.U32Be(dots);
+        resolution.U8(1);  // the unit is the metre
+        PutChunk(out, "pHYs", resolution.Finish());
     }
 }
 
-void AppendTexts(Bytes& file, const PngWriteOptions& options) {
+void PutTexts(ByteWriter& out, const PngWriteOptions& options) {
     for (const auto& [key, text] : options.texts) {
         const std::string clean = CleanKey(key);
         if (clean.empty()) continue;
-        Bytes data;
-        AppendText(data, clean);
-        data.push_back(0);
-        AppendText(data, text);
+        ByteWriter data(clean.size() + 1 + text.size());
+        data.Text(clean);
+        data.U8(0);
         // A zero byte would end the text for most readers.
-        std::replace(data.end() - static_cast<std::ptrdiff_t>(text.size()), data.end(),
-                     std::uint8_t{0}, std::uint8_t{' '});
-        AppendChunk(file, "tEXt", data);
+        for (const char c : text) data.U8(c == '\0' ? ' ' : static_cast<unsigned char>(c));
+        PutChunk(out, "tEXt", data.Finish());
     }
 }
 
@@ -160,7 +153,7 @@ bool FilterRows(ConstImageView image, std::span<const Pass> passes, const Sink& 
 
 /// All rows in one go; false if there is no memory for that.
 bool CompressWhole(ConstImageView image, std::span<const Pass> passes, std::size_t bytes,
-                   Bytes& file) {
+                   ByteWriter& out) {
     const PixelBuffer rows = PixelBuffer::TryAllocate(bytes);
     const std::unique_ptr<libdeflate_compressor, decltype(&libdeflate_free_compressor)> compressor(
         libdeflate_alloc_compressor(kDeflateLevel), libdeflate_free_compressor);
@@ -176,15 +169,14 @@ bool CompressWhole(ConstImageView image, std::span<const Pass> passes, std::size
     const std::size_t size =
         libdeflate_zlib_compress(compressor.get(), rows.Data(), bytes, packed.Data(), bound);
     if (size == 0) return false;
-    file.reserve(file.size() + size + 64);
-    AppendChunk(file, "IDAT", ByteView(packed.Data(), size));
+    PutChunk(out, "IDAT", ByteView(packed.Data(), size));
     return true;
 }
 
 /// zlib's stream, cut into chunks of kPieceBytes.
 class PieceWriter {
   public:
-    explicit PieceWriter(Bytes& file) : file_(file), piece_(kPieceBytes) {
+    explicit PieceWriter(ByteWriter& out) : out_(out), piece_(kPieceBytes) {
         ready_ = deflateInit(&stream_, kZlibLevel) == Z_OK;
         StartPiece();
     }
@@ -209,8 +201,7 @@ class PieceWriter {
             const int result = deflate(&stream_, flush);
             const bool last = result == Z_STREAM_END;
             if (stream_.avail_out == 0 || last) {
-                AppendChunk(file_, "IDAT",
-                            ByteView(piece_).first(piece_.size() - stream_.avail_out));
+                PutChunk(out_, "IDAT", ByteView(piece_).first(piece_.size() - stream_.avail_out));
                 StartPiece();
             } else if (flush == Z_NO_FLUSH) {
                 return result == Z_OK || result == Z_BUF_ERROR;
@@ -220,14 +211,14 @@ class PieceWriter {
         }
     }
 
-    Bytes& file_;
+    ByteWriter& out_;
     Bytes piece_;
     z_stream stream_{};
     bool ready_ = false;
 };
 
-bool CompressInPieces(ConstImageView image, std::span<const Pass> passes, Bytes& file) {
-    PieceWriter writer(file);
+bool CompressInPieces(ConstImageView image, std::span<const Pass> passes, ByteWriter& out) {
+    PieceWriter writer(out);
     return FilterRows(image, passes, [&writer](ByteView row) { return writer.Add(row); }) &&
            writer.Finish();
 }
@@ -242,18 +233,17 @@ Result<Bytes> EncodePng(ConstImageView image, const PngWriteOptions& options) {
             return Error{fmt::format("PNG: a text of {} bytes is too long", text.size())};
     std::size_t bytes = 0;
     for (const Pass& pass : passes) bytes += pass.FilteredBytes(image.Extent());
-    try {
-        Bytes file(kSignature.begin(), kSignature.end());
-        AppendHeader(file, image.Extent(), options);
-        AppendTexts(file, options);
-        if ((bytes > kWholeBytes || !CompressWhole(image, passes, bytes, file)) &&
-            !CompressInPieces(image, passes, file))
-            return Error{"PNG: not enough memory"};
-        AppendChunk(file, "IEND", {});
-        return file;
-    } catch (const std::bad_alloc&) {
-        return Error{"PNG: not enough memory"};
-    }
+    bool done = false;
+    // Half is what a photograph comes to.
+    auto file = BuildFile(bytes / 2, [&](ByteWriter& out) {
+        PutHeader(out, image.Extent(), options);
+        PutTexts(out, options);
+        done = (bytes <= kWholeBytes && CompressWhole(image, passes, bytes, out)) ||
+               CompressInPieces(image, passes, out);
+        PutChunk(out, "IEND", {});
+    });
+    if (file && !done) return Error{"not enough memory"};
+    return file;
 }
 
 }  // namespace lumo::imaging::codecs
