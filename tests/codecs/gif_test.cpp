@@ -17,9 +17,7 @@ namespace {
 using testing::HasSubstr;
 
 Decoded MustDecode(const Bytes& file) {
-    auto result = DecodeGif(file, {});
-    EXPECT_TRUE(result) << result.Message();
-    return result ? std::move(*result) : Decoded{.image = test::FlatImage({9, 9}, {1, 2, 3})};
+    return test::MustDecode(DecodeGif, file);
 }
 
 // ---- Files by hand ---------------------------------------------------------------------------

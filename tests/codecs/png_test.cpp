@@ -112,9 +112,7 @@ Bytes Write(RawPng raw) {
 }
 
 Decoded MustDecode(const Bytes& file) {
-    auto result = DecodePng(file, {});
-    EXPECT_TRUE(result) << result.Message();
-    return result ? std::move(*result) : Decoded{.image = test::FlatImage({1, 1}, {1, 2, 3})};
+    return test::MustDecode(DecodePng, file);
 }
 
 // ---- Reading ---------------------------------------------------------------------------------
