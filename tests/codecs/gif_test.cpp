@@ -17,9 +17,7 @@ namespace {
 using testing::HasSubstr;
 
 Decoded MustDecode(const Bytes& file) {
-    auto result = DecodeGif(file, {});
-    EXPECT_TRUE(result) << result.Message();
-    return result ? std::move(*result) : Decoded{.image = test::FlatImage({9, 9}, {1, 2, 3})};
+    return test::MustDecode(DecodeGif, file);
 }
 
 // ---- Files by hand ---------------------------------------------------------------------------
@@ -143,6 +141,39 @@ TEST(DecodeGif, ScreenGrowsToHoldThePicture) {
     EXPECT_EQ(decoded.image.Extent(), (Size{3, 2}));
     EXPECT_EQ(decoded.image.View().Pixel(0, 0), (Rgb{255, 255, 255}));
     EXPECT_EQ(decoded.image.View().Pixel(2, 1), (Rgb{40, 50, 60}));
+}
+
+TEST(DecodeGif, RowsBehindTheEndOfTheFileAreWhite) {
+    Bytes file = Screen(20, 60, kGlobalMap);
+    AppendColours(file);
+    AppendPicture(file, 0, 0, 20, 60, 0, std::vector<int>(1200, 1));
+    file.resize(file.size() - 100);
+    // Three blocks of 255 bytes are whole, 1020 pixels of six bits each.
+    const Decoded cut = MustDecode(file);
+    ASSERT_EQ(cut.warning, "the file ends early: 51 of 60 rows of pixels are there");
+    for (int y = 0; y < 60; ++y)
+        for (int x = 0; x < 20; ++x)
+            ASSERT_EQ(cut.image.View().Pixel(x, y),
+                      y < 51 ? (Rgb{40, 50, 60}) : (Rgb{255, 255, 255}));
+}
+
+TEST(DecodeGif, CodesMayEndBeforeThePicture) {
+    Bytes file = Screen(1, 8, kGlobalMap);
+    AppendColours(file);
+    AppendPicture(file, 0, 0, 1, 8, kInterlace, {0, 1, 2});  // rows 0, 4 and 2
+    const Decoded cut = MustDecode(file);
+    EXPECT_EQ(cut.warning, "the file ends early: 3 of 8 rows of pixels are there");
+    const int expected[] = {10, 255, 70, 255, 40, 255, 255, 255};
+    for (int y = 0; y < 8; ++y) EXPECT_EQ(cut.image.View().Pixel(0, y).red, expected[y]) << y;
+}
+
+TEST(DecodeGif, RefusesWhatEndsBeforeTheFirstRow) {
+    Bytes file = Screen(2, 3, kGlobalMap);
+    AppendColours(file);
+    AppendPicture(file, 0, 0, 2, 3, 0, {});
+    const auto result = DecodeGif(file, {});
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.Message(), "the file ends before the end of the first row of pixels");
 }
 
 TEST(DecodeGif, RefusesFilesWithoutAPicture) {

@@ -87,9 +87,7 @@ Bytes WriteRgb(ConstImageView image, const std::function<void(jpeg_compress_stru
 }
 
 Decoded MustDecode(const Bytes& file) {
-    auto result = DecodeJpeg(file, {});
-    EXPECT_TRUE(result) << result.Message();
-    return result ? std::move(*result) : Decoded{.image = test::FlatImage({1, 1}, {1, 2, 3})};
+    return test::MustDecode(DecodeJpeg, file);
 }
 
 double MeanDifference(ConstImageView a, ConstImageView b) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <optional>
 #include <random>
@@ -111,9 +112,7 @@ Bytes Write(RawPng raw) {
 }
 
 Decoded MustDecode(const Bytes& file) {
-    auto result = DecodePng(file, {});
-    EXPECT_TRUE(result) << result.Message();
-    return result ? std::move(*result) : Decoded{.image = test::FlatImage({1, 1}, {1, 2, 3})};
+    return test::MustDecode(DecodePng, file);
 }
 
 // ---- Reading ---------------------------------------------------------------------------------
@@ -291,8 +290,32 @@ TEST(DecodePng, LeavesFlawsToTheLibrary) {
     }
 }
 
-TEST(DecodePng, RefusesWhatEndsTooEarly) {
-    Bytes file = *EncodePng(test::RandomImage({50, 50}, 1).View(), {});
+TEST(DecodePng, RowsBehindTheEndOfTheFileAreWhite) {
+    const Image image = test::RandomImage({100, 100}, 1);
+    const Bytes file = *EncodePng(image.View(), {});
+    const Decoded cut =
+        MustDecode(Bytes(file.begin(), file.begin() + static_cast<long>(file.size() / 2)));
+    int rows = 0;
+    ASSERT_EQ(std::sscanf(cut.warning.c_str(),
+                          "the file ends early: %d of 100 rows of pixels are there", &rows),
+              1);
+    EXPECT_NEAR(rows, 50, 5);
+    Image expected = test::FlatImage({100, 100}, {255, 255, 255});
+    std::ranges::copy(image.View().Bytes().first(static_cast<std::size_t>(rows) * 300),
+                      expected.View().Bytes().begin());
+    EXPECT_TRUE(test::SamePixels(cut.image, expected));
+}
+
+TEST(DecodePng, RefusesWhatEndsBeforeTheFirstRow) {
+    Bytes file = *EncodePng(test::RandomImage({100, 100}, 1).View(), {});
+    file.resize(90);
+    const auto result = DecodePng(file, {});
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.Message(), "the file ends before the end of the first row of pixels");
+}
+
+TEST(DecodePng, RefusesInterlacedPicturesThatEndTooEarly) {
+    Bytes file = *EncodePng(test::RandomImage({50, 50}, 1).View(), {.interlaced = true});
     file.resize(file.size() / 2);
     const auto result = DecodePng(file, {});
     ASSERT_FALSE(result);

@@ -1,9 +1,11 @@
 #include "support/decoder_checks.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "support/mutate.h"
 #include "support/test_files.h"
+#include "support/test_images.h"
 
 namespace lumo::test {
 
@@ -33,6 +35,13 @@ testing::AssertionResult IsPictureOrReason(const platform::Result<Decoded>& resu
         return testing::AssertionFailure() << "a picture without pixels";
     if (!result && line.empty()) return testing::AssertionFailure() << "refused without a reason";
     return testing::AssertionSuccess();
+}
+
+Decoded MustDecode(Decoder decode, ByteView file) {
+    auto result = decode(file, {});
+    if (result) return std::move(*result);
+    ADD_FAILURE() << result.Message();
+    return Decoded{.image = FlatImage({1, 1}, {1, 2, 3})};
 }
 
 void CheckFilesEndWell(Decoder decode, std::string_view folder) {

@@ -18,6 +18,9 @@ using Decoder = platform::Result<imaging::codecs::Decoded> (*)(
 testing::AssertionResult IsPictureOrReason(
     const platform::Result<imaging::codecs::Decoded>& result);
 
+/// The picture of a file; a refusal counts as a failed test and gives one of a single pixel.
+imaging::codecs::Decoded MustDecode(Decoder decode, imaging::codecs::ByteView file);
+
 /// Decodes all files of the folder below tests/data, then each prefix of the smallest one:
 /// each must end as a picture or a reason, and nothing may be printed.
 void CheckFilesEndWell(Decoder decode, std::string_view folder);

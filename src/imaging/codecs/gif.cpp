@@ -11,6 +11,7 @@
 
 #include "imaging/codecs/decoders.h"
 #include "imaging/codecs/gif_passes.h"
+#include "imaging/codecs/rows.h"
 #include "imaging/last_error.h"
 
 namespace lumo::imaging::codecs {
@@ -19,6 +20,7 @@ namespace {
 using platform::Error;
 
 std::string ReasonOf(int code) {
+    if (code == D_GIF_ERR_READ_FAILED) return "the file ends too early";
     const char* text = GifErrorString(code);
     return text != nullptr ? text : "damaged";
 }
@@ -47,7 +49,7 @@ class Reader {
     bool FindFirstPicture();
     bool SkipExtension();
     void ReadColours();
-    bool ReadRows(ImageView canvas);
+    int ReadRows(ImageView canvas);
     void PutRow(const std::uint8_t* indices, ImageView canvas, int y) const;
 
     ByteView rest_;
@@ -114,15 +116,25 @@ void Reader::PutRow(const std::uint8_t* indices, ImageView canvas, int y) const 
     }
 }
 
-bool Reader::ReadRows(ImageView canvas) {
+/// The rows that came whole; all others of the picture are white afterwards.
+int Reader::ReadRows(ImageView canvas) {
     const GifImageDesc& frame = gif_->Image;
     std::vector<std::uint8_t> indices(static_cast<std::size_t>(frame.Width));
+    int whole = 0;
+    bool reading = true;
     for (const GifPass& pass : GifPassesOf(frame.Interlace))
         for (int y = pass.first; y < frame.Height; y += pass.step) {
-            if (DGifGetLine(gif_, indices.data(), frame.Width) == GIF_ERROR) return false;
-            PutRow(indices.data(), canvas, frame.Top + y);
+            reading = reading && DGifGetLine(gif_, indices.data(), frame.Width) == GIF_OK;
+            if (reading) {
+                PutRow(indices.data(), canvas, frame.Top + y);
+                ++whole;
+            } else {
+                std::uint8_t* row = canvas.At(frame.Left, frame.Top + y);
+                std::fill_n(row, static_cast<std::size_t>(frame.Width) * kChannels,
+                            std::uint8_t{255});
+            }
         }
-    return true;
+    return whole;
 }
 
 Result<Decoded> Reader::ReadFirstPicture(const DecodeOptions& options) {
@@ -144,11 +156,20 @@ Result<Decoded> Reader::ReadFirstPicture(const DecodeOptions& options) {
     ReadColours();
     if (frame.Width != screen.width || frame.Height != screen.height)
         std::ranges::fill(image->View().Bytes(), std::uint8_t{255});
-    if (!ReadRows(image->View())) return Failure();
+    const int rows = ReadRows(image->View());
+    std::string warning;
+    if (rows < frame.Height) {
+        // The codes may end before the picture does, as well as the file.
+        if (gif_->Error != D_GIF_ERR_READ_FAILED && gif_->Error != D_GIF_ERR_EOF_TOO_SOON)
+            return Failure();
+        if (rows == 0) return Error{kNoRows};
+        warning = CutWarning(rows, frame.Height);
+    }
     const ColorMapObject* map = frame.ColorMap != nullptr ? frame.ColorMap : gif_->SColorMap;
     return Decoded{.image = std::move(*image),
                    .format = Format::Gif,
-                   .bitsPerPixel = map != nullptr ? map->BitsPerPixel : 8};
+                   .bitsPerPixel = map != nullptr ? map->BitsPerPixel : 8,
+                   .warning = std::move(warning)};
 }
 
 }  // namespace

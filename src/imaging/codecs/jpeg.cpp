@@ -17,6 +17,7 @@
 #include <exception>
 
 #include "imaging/codecs/decoders.h"
+#include "imaging/codecs/stored_metadata.h"
 #include "imaging/last_error.h"
 
 namespace lumo::imaging::codecs {
@@ -26,8 +27,6 @@ using platform::Error;
 
 constexpr int kRowsAtOnce = 16;                 // the rows of one MCU row at 4:2:0
 constexpr std::size_t kMaxMarkerBytes = 65533;  // the length field counts itself
-constexpr int kComment = 0xFE;
-constexpr int kApp0 = 0xE0, kApp15 = 0xEF;
 
 /// The error handling of one file: nothing is printed, a failure jumps back into Guarded.
 struct Errors {

@@ -14,6 +14,7 @@
 #include "imaging/codecs/decoders.h"
 #include "imaging/codecs/png_plain.h"
 #include "imaging/codecs/png_rows.h"
+#include "imaging/codecs/rows.h"
 #include "imaging/last_error.h"
 
 namespace lumo::imaging::codecs {
@@ -23,6 +24,8 @@ using platform::Error;
 
 constexpr std::size_t kMaxChunkMemory = std::size_t{8} << 20;  // bytes; no pixel chunk needs it
 constexpr int kMaxChunksKept = 1000;
+// Of a file that ends early, what is left of the last portion is lost.
+constexpr std::size_t kReadBytes = 512;
 
 /// The error handling of one file: nothing is printed, a failure jumps back into Guarded.
 struct Messages {
@@ -82,6 +85,8 @@ class Reader {
     png_structp png_;
     png_infop info_;
     bool interlaced_ = false;
+    bool cut_ = false;
+    int wholeRows_ = 0;  // of a picture that is not interlaced
     Image image_;
     PixelBuffer rgba_;  // one row, or all of an interlaced picture
 };
@@ -89,10 +94,12 @@ class Reader {
 void Reader::ReadHeader(const DecodeLimits& limits) {
     png_set_read_fn(png_, this, [](png_structp png, png_bytep target, std::size_t count) {
         auto& reader = *static_cast<Reader*>(png_get_io_ptr(png));
-        if (count > reader.rest_.size()) png_error(png, "the file ends too early");
+        reader.cut_ = count > reader.rest_.size();
+        if (reader.cut_) png_error(png, "the file ends too early");
         std::memcpy(target, reader.rest_.data(), count);
         reader.rest_ = reader.rest_.subspan(count);
     });
+    png_set_compression_buffer_size(png_, kReadBytes);
     png_set_benign_errors(png_, 1);
     const auto side = static_cast<png_uint_32>(limits.maxSide);
     png_set_user_limits(png_, side, side);
@@ -114,7 +121,10 @@ void Reader::AskForEightBits() {
 void Reader::ReadRows() {
     const ImageView rows = image_.View();
     for (int pass = interlaced_ ? 7 : 1; pass > 0; --pass)
-        for (int y = 0; y < rows.Height(); ++y) png_read_row(png_, rows.Row(y), nullptr);
+        for (int y = 0; y < rows.Height(); ++y) {
+            png_read_row(png_, rows.Row(y), nullptr);
+            wholeRows_ = y + 1;
+        }
 }
 
 void Reader::ReadRowsOverWhite() {
@@ -127,6 +137,7 @@ void Reader::ReadRowsOverWhite() {
         for (int y = 0; y < rows.Height(); ++y) {
             png_read_row(png_, row(y), nullptr);
             if (pass == 1) RgbaOverWhite(row(y), rows.Row(y), rows.Width());
+            wholeRows_ = y + 1;
         }
 }
 
@@ -158,11 +169,12 @@ Result<Decoded> Reader::Read(const DecodeOptions& options) {
         else
             ReadRows();
     });
-    if (!done) return FailureOf(messages_);
-
-    Decoded decoded{.image = std::move(image_), .format = Format::Png, .bitsPerPixel = stored};
-    if (messages_.warning[0] != '\0')
-        decoded.warning = fmt::format("PNG: {}", messages_.warning.data());
+    // Nothing can be said of the rows of an interlaced picture that ends early.
+    if (!done && (!cut_ || interlaced_)) return FailureOf(messages_);
+    auto decoded =
+        FinishRows(std::move(image_), Format::Png, stored, done ? size.height : wholeRows_, true);
+    if (decoded && decoded->warning.empty() && messages_.warning[0] != '\0')
+        decoded->warning = fmt::format("PNG: {}", messages_.warning.data());
     return decoded;
 }
 

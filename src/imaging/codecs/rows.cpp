@@ -116,6 +116,10 @@ int WholeRows(std::size_t bytes, std::size_t rowBytes, std::size_t stride, int h
     return static_cast<int>(std::min(rows, static_cast<std::size_t>(height)));
 }
 
+std::string CutWarning(int rows, int height) {
+    return fmt::format("the file ends early: {} of {} rows of pixels are there", rows, height);
+}
+
 Result<Decoded> FinishRows(Image image, Format format, int bitsPerPixel, int rows, bool topDown) {
     if (rows == 0) return platform::Error{kNoRows};
     const ImageView view = image.View();
@@ -124,8 +128,7 @@ Result<Decoded> FinishRows(Image image, Format format, int bitsPerPixel, int row
         const int missing = view.Height() - rows;
         std::memset(view.Row(topDown ? rows : 0), 255,
                     static_cast<std::size_t>(missing) * view.Stride());
-        warning = fmt::format("the file ends early: {} of {} rows of pixels are there", rows,
-                              view.Height());
+        warning = CutWarning(rows, view.Height());
     }
     return Decoded{std::move(image), format, bitsPerPixel, std::move(warning)};
 }

@@ -66,6 +66,9 @@ inline std::uint8_t* RowInFileOrder(ImageView image, int i, bool topDown) {
 /// a warning; a file without a single whole row is refused.
 Result<Decoded> FinishRows(Image image, Format format, int bitsPerPixel, int rows, bool topDown);
 
+/// The warning of FinishRows, for a decoder whose missing rows are not the last ones.
+std::string CutWarning(int rows, int height);
+
 /// The refusal of FinishRows, for a decoder that sees it coming before it allocates.
 inline constexpr const char* kNoRows = "the file ends before the end of the first row of pixels";
 

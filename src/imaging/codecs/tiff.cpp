@@ -37,8 +37,8 @@ bool NeedsLibraryConversion(const TiffHeader& header) {
     }
 }
 
-Result<Image> ConvertByLibrary(const TiffFile& file, const TiffHeader& header,
-                               const DecodeLimits& limits) {
+Result<Decoded> ConvertByLibrary(const TiffFile& file, const TiffHeader& header,
+                                 const DecodeLimits& limits) {
     constexpr int kRasterBytes = 4;
     const Size size{static_cast<int>(header.width), static_cast<int>(header.height)};
     if (std::string refusal = RefuseSize(size.width, size.height, kChannels + kRasterBytes, limits);
@@ -70,7 +70,7 @@ Result<Image> ConvertByLibrary(const TiffFile& file, const TiffHeader& header,
             target[2] = static_cast<std::uint8_t>(std::min(255U, TIFFGetB(*words) + white));
         }
     }
-    return std::move(*image);
+    return Decoded{std::move(*image), Format::Tiff, header.BitsPerPixel(), {}};
 }
 
 }  // namespace
@@ -83,18 +83,10 @@ Result<Decoded> DecodeTiff(ByteView bytes, const DecodeOptions& options) {
         !refusal.empty())
         return Error{refusal};
 
-    Result<Image> image = Error{};
-    if (NeedsLibraryConversion(header)) {
-        image = ConvertByLibrary(*file, header, options.limits);
-    } else {
-        TiffReader reader(*file, header);
-        if (std::string refusal = reader.Prepare(); !refusal.empty()) return Error{refusal};
-        image = reader.Read(options.limits);
-    }
-    if (!image) return Error{image.Message()};
-    return Decoded{.image = std::move(*image),
-                   .format = Format::Tiff,
-                   .bitsPerPixel = header.bits * header.samples};
+    if (NeedsLibraryConversion(header)) return ConvertByLibrary(*file, header, options.limits);
+    TiffReader reader(*file, header);
+    if (std::string refusal = reader.Prepare(); !refusal.empty()) return Error{refusal};
+    return reader.Read(options.limits);
 }
 
 }  // namespace lumo::imaging::codecs

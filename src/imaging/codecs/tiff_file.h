@@ -27,6 +27,9 @@ class TiffFile {
     /// Null if the file could not be opened.
     TIFF* Handle() const { return tiff_; }
 
+    /// The length of a file that is read.
+    std::size_t InputBytes() const { return input_.size(); }
+
     /// A field of the first directory, its default where it has one, else `fallback`.
     template <class T>
     T Field(std::uint32_t tag, T fallback = {}) const {

@@ -19,6 +19,8 @@ struct TiffHeader {
     bool tiled = false;
     std::uint32_t chunkWidth = 0, chunkHeight = 0;  // of a tile or a strip
     std::vector<std::uint16_t> extra;               // one entry per sample behind the colours
+
+    int BitsPerPixel() const { return bits * samples; }
 };
 
 /// Also tells the JPEG codec to give RGB, if that is what the picture is stored with.

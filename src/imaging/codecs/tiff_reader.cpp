@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "imaging/codecs/decoders.h"
+#include "imaging/codecs/rows.h"
 #include "imaging/last_error.h"
 
 namespace lumo::imaging::codecs {
@@ -151,26 +152,63 @@ std::string TiffReader::TryAllocateChunks(const DecodeLimits& limits) {
     return {};
 }
 
-/// Decodes the strip or tile that holds the pixel; what is missing of it counts as failure.
+/// Decodes the strip or tile that holds the pixel. What is missing of it counts as failure; a
+/// chunk that reaches behind the end of the file tells that the file was cut.
 bool TiffReader::ReadChunk(std::uint32_t x, std::uint32_t y, int plane, std::uint8_t* target,
                            std::size_t bytes) {
     TIFF* tiff = file_.Handle();
     const auto sample = static_cast<std::uint16_t>(plane);
     const auto size = static_cast<tmsize_t>(bytes);
-    const tmsize_t got =
-        header_.tiled
-            ? TIFFReadEncodedTile(tiff, TIFFComputeTile(tiff, x, y, 0, sample), target, size)
-            : TIFFReadEncodedStrip(tiff, TIFFComputeStrip(tiff, y, sample), target, size);
-    return got == size;
+    const std::uint32_t chunk =
+        header_.tiled ? TIFFComputeTile(tiff, x, y, 0, sample) : TIFFComputeStrip(tiff, y, sample);
+    const tmsize_t got = header_.tiled ? TIFFReadEncodedTile(tiff, chunk, target, size)
+                                       : TIFFReadEncodedStrip(tiff, chunk, target, size);
+    if (got == size) return true;
+    const std::uint64_t offset = TIFFGetStrileOffset(tiff, chunk);
+    const std::uint64_t end = file_.InputBytes();
+    cut_ = offset >= end || TIFFGetStrileByteCount(tiff, chunk) > end - offset;
+    return false;
 }
 
-bool TiffReader::ReadStripsInto(ImageView image) {
+/// Rows of an uncompressed strip that stand in front of the end of a cut file, as ReadChunk would
+/// give them; many writers put the whole picture into one strip.
+std::uint32_t TiffReader::ReadCutStrip(std::uint32_t y, std::uint8_t* target,
+                                       std::size_t rowBytes) {
+    if (!cut_ || header_.tiled || header_.planar || header_.compression != COMPRESSION_NONE)
+        return 0;
+    TIFF* tiff = file_.Handle();
+    const std::uint32_t strip = TIFFComputeStrip(tiff, y, 0);
+    const std::uint64_t offset = TIFFGetStrileOffset(tiff, strip);
+    if (offset >= file_.InputBytes()) return 0;
+    const std::uint64_t rows =
+        std::min<std::uint64_t>((file_.InputBytes() - offset) / rowBytes,
+                                std::min(header_.chunkHeight, header_.height - y));
+    const auto bytes = static_cast<tmsize_t>(rows * rowBytes);
+    if (bytes == 0 || TIFFReadRawStrip(tiff, strip, target, bytes) != bytes) return 0;
+    if (file_.Field<std::uint16_t>(TIFFTAG_FILLORDER) == FILLORDER_LSB2MSB)
+        TIFFReverseBits(target, bytes);
+    if (TIFFIsByteSwapped(tiff) != 0) {
+        const auto count = bytes * 8 / header_.bits;
+        if (header_.bits == 16)
+            TIFFSwabArrayOfShort(reinterpret_cast<std::uint16_t*>(target), count);
+        if (header_.bits == 24) TIFFSwabArrayOfTriples(target, count);
+        if (header_.bits == 32)
+            TIFFSwabArrayOfLong(reinterpret_cast<std::uint32_t*>(target), count);
+        if (header_.bits == 64)
+            TIFFSwabArrayOfLong8(reinterpret_cast<std::uint64_t*>(target), count);
+    }
+    return static_cast<std::uint32_t>(rows);
+}
+
+/// The number of rows from the top that came whole.
+std::uint32_t TiffReader::ReadStripsInto(ImageView image) {
     for (std::uint32_t y = 0; y < header_.height; y += header_.chunkHeight) {
         const std::uint32_t rows = std::min(header_.chunkHeight, header_.height - y);
-        if (!ReadChunk(0, y, 0, image.Row(static_cast<int>(y)), rows * image.Stride()))
-            return false;
+        std::uint8_t* target = image.Row(static_cast<int>(y));
+        if (!ReadChunk(0, y, 0, target, rows * image.Stride()))
+            return y + ReadCutStrip(y, target, image.Stride());
     }
-    return true;
+    return header_.height;
 }
 
 void TiffReader::ConvertPaletteRow(const std::uint8_t* row, int count, std::uint8_t* rgb) const {
@@ -201,26 +239,33 @@ void TiffReader::ConvertRow(std::uint32_t rowInChunk, int count, std::uint8_t* r
     PixelsToRgb(pixels_.data(), layout_, count, rgb);
 }
 
-bool TiffReader::ReadChunksInto(ImageView image) {
-    for (std::uint32_t y = 0; y < header_.height; y += header_.chunkHeight) {
-        const std::uint32_t rows = std::min(header_.chunkHeight, header_.height - y);
-        // The last strip ends with the picture, tiles are always whole.
-        const std::size_t bytes = header_.tiled ? chunkBytes_ : rows * chunkRowBytes_;
-        for (std::uint32_t x = 0; x < header_.width; x += header_.chunkWidth) {
-            for (int plane = 0; plane < Planes(); ++plane)
-                if (!ReadChunk(x, y, plane,
-                               chunks_.Data() + static_cast<std::size_t>(plane) * chunkBytes_,
-                               bytes))
-                    return false;
-            const auto columns = static_cast<int>(std::min(header_.chunkWidth, header_.width - x));
-            for (std::uint32_t row = 0; row < rows; ++row)
-                ConvertRow(row, columns, image.At(static_cast<int>(x), static_cast<int>(y + row)));
-        }
+/// Decodes the chunk of every plane; gives the rows that came whole, at most `rows`.
+std::uint32_t TiffReader::ReadPlanes(std::uint32_t x, std::uint32_t y, std::uint32_t rows) {
+    // The last strip ends with the picture, tiles are always whole.
+    const std::size_t bytes = header_.tiled ? chunkBytes_ : rows * chunkRowBytes_;
+    for (int plane = 0; plane < Planes(); ++plane) {
+        std::uint8_t* target = chunks_.Data() + static_cast<std::size_t>(plane) * chunkBytes_;
+        if (!ReadChunk(x, y, plane, target, bytes)) return ReadCutStrip(y, target, chunkRowBytes_);
     }
-    return true;
+    return rows;
 }
 
-Result<Image> TiffReader::Read(const DecodeLimits& limits) {
+/// The number of rows from the top that came whole.
+std::uint32_t TiffReader::ReadChunksInto(ImageView image) {
+    for (std::uint32_t y = 0; y < header_.height; y += header_.chunkHeight) {
+        const std::uint32_t rows = std::min(header_.chunkHeight, header_.height - y);
+        for (std::uint32_t x = 0; x < header_.width; x += header_.chunkWidth) {
+            const std::uint32_t whole = ReadPlanes(x, y, rows);
+            const auto columns = static_cast<int>(std::min(header_.chunkWidth, header_.width - x));
+            for (std::uint32_t row = 0; row < whole; ++row)
+                ConvertRow(row, columns, image.At(static_cast<int>(x), static_cast<int>(y + row)));
+            if (whole < rows) return y + whole;
+        }
+    }
+    return header_.height;
+}
+
+Result<Decoded> TiffReader::Read(const DecodeLimits& limits) {
     if (std::string refusal = RefuseSize(header_.width, header_.height, kChannels, limits);
         !refusal.empty())
         return Error{refusal};
@@ -231,11 +276,13 @@ Result<Image> TiffReader::Read(const DecodeLimits& limits) {
     auto image =
         Image::TryCreate({static_cast<int>(header_.width), static_cast<int>(header_.height)});
     if (!image) return Error{LastError()};
-    const bool whole = direct ? ReadStripsInto(image->View()) : ReadChunksInto(image->View());
-    if (!whole)
+    const std::uint32_t rows =
+        direct ? ReadStripsInto(image->View()) : ReadChunksInto(image->View());
+    if (rows < header_.height && !cut_)
         return Error{fmt::format(
-            "TIF: {}", file_.Failure().empty() ? "the file ends too early" : file_.Failure())};
-    return std::move(*image);
+            "TIF: {}", file_.Failure().empty() ? "a strip or tile is too short" : file_.Failure())};
+    return FinishRows(std::move(*image), Format::Tiff, header_.BitsPerPixel(),
+                      static_cast<int>(rows), true);
 }
 
 }  // namespace lumo::imaging::codecs

@@ -17,7 +17,8 @@ class TiffReader {
 
     /// Decides on the conversion; a text that begins with "0" if there is none.
     std::string Prepare();
-    Result<Image> Read(const DecodeLimits& limits);
+    /// The picture; of a file that ends early, what FinishRows makes of it.
+    Result<Decoded> Read(const DecodeLimits& limits);
 
   private:
     std::string ChooseType();
@@ -30,8 +31,10 @@ class TiffReader {
     std::string TryAllocateChunks(const DecodeLimits& limits);
     bool ReadChunk(std::uint32_t x, std::uint32_t y, int plane, std::uint8_t* target,
                    std::size_t bytes);
-    bool ReadStripsInto(ImageView image);
-    bool ReadChunksInto(ImageView image);
+    std::uint32_t ReadCutStrip(std::uint32_t y, std::uint8_t* target, std::size_t rowBytes);
+    std::uint32_t ReadPlanes(std::uint32_t x, std::uint32_t y, std::uint32_t rows);
+    std::uint32_t ReadStripsInto(ImageView image);
+    std::uint32_t ReadChunksInto(ImageView image);
     void ConvertRow(std::uint32_t rowInChunk, int count, std::uint8_t* rgb);
     void ConvertPaletteRow(const std::uint8_t* row, int count, std::uint8_t* rgb) const;
 
@@ -42,6 +45,7 @@ class TiffReader {
     bool signedLab_ = false;
     int usedChannels_ = 1;  // those that ConvertRow looks at
     std::vector<Rgb> palette_;
+    bool cut_ = false;  // the last chunk that failed reaches behind the end of the file
     std::size_t chunkBytes_ = 0;
     std::size_t chunkRowBytes_ = 0;
     PixelBuffer chunks_;  // one strip or tile of each plane
