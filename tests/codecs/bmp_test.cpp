@@ -44,7 +44,7 @@ struct BmpFile {
         Put(header, static_cast<std::uint32_t>(bits), 2);
         if (headerBytes > 12) {
             Put(header, compression, 4);
-            Put(header, 0, 12);
+            header.resize(header.size() + 12);
             Put(header, coloursUsed, 4);
             Put(header, 0, 4);
         }

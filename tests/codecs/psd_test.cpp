@@ -347,6 +347,15 @@ TEST(PsdDecode, RowsThatAreMissingInAnyChannelAreWhite) {
     }
 }
 
+TEST(PsdDecode, ARowThatIsTooShortDoesNotEndThePicture) {
+    PsdFile file{.mode = kGreyMode, .width = 2, .height = 3, .channels = 1, .coding = 1};
+    const Bytes codes = BytesOf({0, 3, 0, 2, 0, 3, 1, 5, 6, 0, 7, 1, 8, 9});
+    const auto result = DecodePsd(Joined({file.Build(), codes}), {});
+    EXPECT_THAT(PixelsOf(result), ElementsAre(Rgb{5, 5, 5}, Rgb{6, 6, 6}, Rgb{7, 7, 7}, kBlack,
+                                              Rgb{8, 8, 8}, Rgb{9, 9, 9}));
+    EXPECT_EQ(result->warning, "the file is damaged: rows of pixels are too short");
+}
+
 TEST(PsdDecode, ZippedDataThatBreakOffGiveTheirWholeRows) {
     const Image noise = RandomImage({64, 64}, 3);
     PsdFile file{.mode = kGreyMode, .width = 64, .height = 64, .channels = 1, .coding = 2};

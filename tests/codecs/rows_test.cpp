@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <numeric>
 #include <random>
 #include <vector>
@@ -50,6 +51,12 @@ TEST(Rows, ColourOrdersAgreeWithPlainLoops) {
             width, [&](auto* rgb) { RgbFromBgrx(s.data(), width, rgb); },
             [&](int x) { return Rgb{at(4 * x + 2), at(4 * x + 1), at(4 * x)}; });
         CheckRow(
+            width, [&](auto* rgb) { RgbFromGreyAlpha(s.data(), width, rgb); },
+            [&](int x) {
+                const std::uint8_t grey = OverWhite(at(2 * x), at(2 * x + 1));
+                return Rgb{grey, grey, grey};
+            });
+        CheckRow(
             width, [&](auto* rgb) { RgbFromGrey(s.data(), width, rgb); },
             [&](int x) { return Rgb{at(x), at(x), at(x)}; });
         CheckRow(
@@ -66,6 +73,27 @@ TEST(Rows, ColourOrdersAgreeWithPlainLoops) {
             },
             [&](int x) { return Rgb{at(x), at(width + x), at(2 * width + x)}; });
     }
+}
+
+TEST(Rows, WordsOfFiveAndSixBitsAreRounded) {
+    Bytes words;
+    for (int v = 0; v < 65536; ++v) {
+        words.push_back(static_cast<std::uint8_t>(v));
+        words.push_back(static_cast<std::uint8_t>(v >> 8));
+    }
+    const auto scaled = [](int v, int max) {
+        return static_cast<std::uint8_t>(std::lround(v * 255.0 / max));
+    };
+    CheckRow(
+        65536, [&](auto* rgb) { RgbFrom555(words.data(), 65536, rgb); },
+        [&](int v) {
+            return Rgb{scaled(v >> 10 & 31, 31), scaled(v >> 5 & 31, 31), scaled(v & 31, 31)};
+        });
+    CheckRow(
+        65536, [&](auto* rgb) { RgbFrom565(words.data(), 65536, rgb); },
+        [&](int v) {
+            return Rgb{scaled(v >> 11, 31), scaled(v >> 5 & 63, 63), scaled(v & 31, 31)};
+        });
 }
 
 TEST(Rows, PlanesAndBack) {

@@ -214,15 +214,40 @@ void ConvertRows(const StoredRows& rows, bool topDown, ImageView image, const Co
         convert(rows.At(i), image.Width(), RowInFileOrder(image, i, topDown));
 }
 
-template <class Pixel>
-void ConvertMasked(const StoredRows& rows, const Header& header, ImageView image) {
-    const bool hasAlpha = AnyPixelHas<Pixel>(rows, image.Width(), header.masks[3]);
-    const std::array<std::uint32_t, 3> bytes{0xFF0000, 0x00FF00, 0x0000FF};
-    if (header.bits == 32 && std::equal(bytes.begin(), bytes.end(), header.masks.begin()) &&
-        (!hasAlpha || header.masks[3] == 0xFF000000)) {
-        ConvertRows(rows, header.topDown, image, hasAlpha ? RgbFromBgra : RgbFromBgrx);
-        return;
+// The place of a byte that is a whole channel; none for any other mask.
+std::optional<int> ByteOf(std::uint32_t mask) {
+    const int shift = std::countr_zero(mask);
+    if (mask == 0 || shift % 8 != 0 || mask >> shift != 0xFF) return std::nullopt;
+    return shift / 8;
+}
+
+// Channels of whole bytes, in any order. False if there are others.
+bool ConvertWholeBytes(const StoredRows& rows, const Header& header, bool hasAlpha,
+                       ImageView image) {
+    std::array<int, 4> places{};  // of red, green, blue, alpha
+    for (std::size_t i = 0; i < (hasAlpha ? 4U : 3U); ++i) {
+        const auto place = ByteOf(header.masks[i]);
+        if (!place) return false;
+        places[i] = *place;
     }
+    const auto convert = hasAlpha ? RgbFromBgra : RgbFromBgrx;
+    if (places[0] == 2 && places[1] == 1 && places[2] == 0 && (!hasAlpha || places[3] == 3)) {
+        ConvertRows(rows, header.topDown, image, convert);
+        return true;
+    }
+    std::vector<std::uint8_t> bgra(static_cast<std::size_t>(image.Width()) * 4);
+    ConvertRows(
+        rows, header.topDown, image, [&](const std::uint8_t* row, int width, std::uint8_t* rgb) {
+            for (std::size_t x = 0; x < bgra.size(); x += 4)
+                for (std::size_t i = 0; i < 4; ++i)
+                    bgra[x + (i < 3 ? 2 - i : 3)] = row[x + static_cast<std::size_t>(places[i])];
+            convert(bgra.data(), width, rgb);
+        });
+    return true;
+}
+
+template <class Pixel>
+void ConvertBits(const StoredRows& rows, const Header& header, bool hasAlpha, ImageView image) {
     const Channel red(header.masks[0]), green(header.masks[1]), blue(header.masks[2]);
     const Channel alpha(header.masks[3]);
     const auto convert = [&](const std::uint8_t* row, int width, std::uint8_t* rgb) {
@@ -239,6 +264,23 @@ void ConvertMasked(const StoredRows& rows, const Header& header, ImageView image
     ConvertRows(rows, header.topDown, image, convert);
 }
 
+void Convert16(const StoredRows& rows, const Header& header, ImageView image) {
+    const bool hasAlpha = AnyPixelHas<std::uint16_t>(rows, image.Width(), header.masks[3]);
+    const auto isPlain = [&](std::uint32_t red, std::uint32_t green) {
+        return !hasAlpha && header.masks[0] == red && header.masks[1] == green &&
+               header.masks[2] == 0x1F;
+    };
+    if (isPlain(0x7C00, 0x03E0)) return ConvertRows(rows, header.topDown, image, RgbFrom555);
+    if (isPlain(0xF800, 0x07E0)) return ConvertRows(rows, header.topDown, image, RgbFrom565);
+    ConvertBits<std::uint16_t>(rows, header, hasAlpha, image);
+}
+
+void Convert32(const StoredRows& rows, const Header& header, ImageView image) {
+    const bool hasAlpha = AnyPixelHas<std::uint32_t>(rows, image.Width(), header.masks[3]);
+    if (!ConvertWholeBytes(rows, header, hasAlpha, image))
+        ConvertBits<std::uint32_t>(rows, header, hasAlpha, image);
+}
+
 int ConvertPlain(const Header& header, const Palette& palette, ByteView pixels, ImageView image) {
     const std::size_t rowBytes = PackedRowBytes(image.Width(), header.bits);
     const std::size_t stride = (rowBytes + 3) / 4 * 4;
@@ -253,11 +295,11 @@ int ConvertPlain(const Header& header, const Palette& palette, ByteView pixels, 
                         palette.Expand(indices.data(), width, rgb);
                     });
     } else if (header.bits == 16) {
-        ConvertMasked<std::uint16_t>(rows, header, image);
+        Convert16(rows, header, image);
     } else if (header.bits == 24) {
         ConvertRows(rows, header.topDown, image, RgbFromBgr);
     } else {
-        ConvertMasked<std::uint32_t>(rows, header, image);
+        Convert32(rows, header, image);
     }
     return rows.count;
 }

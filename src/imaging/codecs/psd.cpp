@@ -206,7 +206,7 @@ Result<Document> ReadDocument(ByteView file) {
 // The stored rows of the colours, and of the coverage behind them.
 class RowReader {
   public:
-    RowReader(const PsdLayout& layout, const PsdPlanes& planes)
+    RowReader(const PsdLayout& layout, PsdPlanes& planes)
         : planes_(planes), scratch_(static_cast<std::size_t>(layout.used)) {
         if (layout.coding == PsdCoding::PackBits)
             for (auto& row : scratch_) row.resize(layout.RowBytes());
@@ -216,7 +216,7 @@ class RowReader {
     }
 
   private:
-    const PsdPlanes& planes_;
+    PsdPlanes& planes_;
     std::vector<std::vector<std::uint8_t>> scratch_;
 };
 
@@ -298,7 +298,10 @@ Result<Decoded> DecodePsd(ByteView file, const DecodeOptions& options) {
         LayOverWhite(document, reader, converter, rows, image->View());
     auto result =
         FinishRows(std::move(*image), Format::Psd, layout.depth * layout.channels, rows, true);
-    if (result && result->warning.empty() && IsWithoutMergedPicture(document))
+    if (!result || !result->warning.empty()) return result;
+    if (planes->AnyRowWasShort())
+        result->warning = "the file is damaged: rows of pixels are too short";
+    else if (IsWithoutMergedPicture(document))
         result->warning = "the file was saved without its merged picture; layers are not read";
     return result;
 }

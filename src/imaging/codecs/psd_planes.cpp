@@ -122,7 +122,7 @@ void PsdPlanes::UndoPrediction() {
     }
 }
 
-const std::uint8_t* PsdPlanes::Row(int channel, int y, std::uint8_t* scratch) const {
+const std::uint8_t* PsdPlanes::Row(int channel, int y, std::uint8_t* scratch) {
     const std::size_t row =
         static_cast<std::size_t>(channel) * static_cast<std::size_t>(layout_.size.height) +
         static_cast<std::size_t>(y);
@@ -134,7 +134,8 @@ const std::uint8_t* PsdPlanes::Row(int channel, int y, std::uint8_t* scratch) co
     const std::size_t from = offsets_[row];
     const std::size_t to = offsets_[row + 1];
     if (to > data_.size()) return nullptr;
-    return UnpackBits(data_.subspan(from, to - from), scratch, rowBytes) ? scratch : nullptr;
+    if (!UnpackBits(data_.subspan(from, to - from), scratch, rowBytes)) anyRowWasShort_ = true;
+    return scratch;
 }
 
 }  // namespace lumo::imaging::codecs

@@ -32,7 +32,10 @@ class PsdPlanes {
 
     /// One row of a used channel as stored, samples high byte first: a pointer into the file, or
     /// into `scratch` of RowBytes(). Null where the file ends before the row does.
-    const std::uint8_t* Row(int channel, int y, std::uint8_t* scratch) const;
+    const std::uint8_t* Row(int channel, int y, std::uint8_t* scratch);
+
+    /// True once a row held fewer samples than its codes were to give; the others are 0.
+    bool AnyRowWasShort() const { return anyRowWasShort_; }
 
   private:
     explicit PsdPlanes(const PsdLayout& layout) : layout_(layout) {}
@@ -44,6 +47,7 @@ class PsdPlanes {
     ByteView data_;
     std::vector<std::size_t> offsets_;  // PackBits: where each row begins, and the last one ends
     PixelBuffer inflated_;
+    bool anyRowWasShort_ = false;
 };
 
 }  // namespace lumo::imaging::codecs

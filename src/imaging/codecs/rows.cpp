@@ -9,6 +9,17 @@
 #include "imaging/simd.h"
 
 namespace lumo::imaging::codecs {
+namespace {
+
+// v * 255 / 31 and v * 255 / 63, rounded, for the low bits of v.
+constexpr std::uint8_t From5Bits(unsigned v) {
+    return static_cast<std::uint8_t>(((v & 31U) * 527U + 23U) >> 6);
+}
+constexpr std::uint8_t From6Bits(unsigned v) {
+    return static_cast<std::uint8_t>(((v & 63U) * 259U + 33U) >> 6);
+}
+
+}  // namespace
 
 void Palette::Expand(const std::uint8_t* indices, int count, std::uint8_t* rgb) const {
     if (count <= 0) return;
@@ -66,6 +77,36 @@ LUMO_SIMD_CLONES void RgbFromBgra(const std::uint8_t* __restrict bgra, int count
         rgb[3 * i] = OverWhite(bgra[4 * i + 2], alpha);
         rgb[3 * i + 1] = OverWhite(bgra[4 * i + 1], alpha);
         rgb[3 * i + 2] = OverWhite(bgra[4 * i], alpha);
+    }
+}
+
+LUMO_SIMD_CLONES void RgbFrom555(const std::uint8_t* __restrict words, int count,
+                                 std::uint8_t* __restrict rgb) {
+    for (int i = 0; i < count; ++i) {
+        const unsigned v = words[2 * i] | static_cast<unsigned>(words[2 * i + 1]) << 8;
+        rgb[3 * i] = From5Bits(v >> 10);
+        rgb[3 * i + 1] = From5Bits(v >> 5);
+        rgb[3 * i + 2] = From5Bits(v);
+    }
+}
+
+LUMO_SIMD_CLONES void RgbFrom565(const std::uint8_t* __restrict words, int count,
+                                 std::uint8_t* __restrict rgb) {
+    for (int i = 0; i < count; ++i) {
+        const unsigned v = words[2 * i] | static_cast<unsigned>(words[2 * i + 1]) << 8;
+        rgb[3 * i] = From5Bits(v >> 11);
+        rgb[3 * i + 1] = From6Bits(v >> 5);
+        rgb[3 * i + 2] = From5Bits(v);
+    }
+}
+
+LUMO_SIMD_CLONES void RgbFromGreyAlpha(const std::uint8_t* __restrict pairs, int count,
+                                       std::uint8_t* __restrict rgb) {
+    for (int i = 0; i < count; ++i) {
+        const std::uint8_t grey = OverWhite(pairs[2 * i], pairs[2 * i + 1]);
+        rgb[3 * i] = grey;
+        rgb[3 * i + 1] = grey;
+        rgb[3 * i + 2] = grey;
     }
 }
 

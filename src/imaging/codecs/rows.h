@@ -40,6 +40,11 @@ void RgbFromBgr(const std::uint8_t* bgr, int count, std::uint8_t* rgb);
 void RgbFromBgrx(const std::uint8_t* bgrx, int count, std::uint8_t* rgb);
 /// Lays the pixels over white; the fourth byte is the coverage.
 void RgbFromBgra(const std::uint8_t* bgra, int count, std::uint8_t* rgb);
+/// Words of 16 bits, low byte first, with five bits each or six of green; rounded to bytes.
+void RgbFrom555(const std::uint8_t* words, int count, std::uint8_t* rgb);
+void RgbFrom565(const std::uint8_t* words, int count, std::uint8_t* rgb);
+/// Grey and coverage, a byte each, over white.
+void RgbFromGreyAlpha(const std::uint8_t* pairs, int count, std::uint8_t* rgb);
 void RgbFromGrey(const std::uint8_t* grey, int count, std::uint8_t* rgb);
 void RgbFromPlanes(const std::uint8_t* red, const std::uint8_t* green, const std::uint8_t* blue,
                    int count, std::uint8_t* rgb);

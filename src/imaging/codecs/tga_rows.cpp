@@ -4,14 +4,9 @@
 #include <cstring>
 
 #include "imaging/codecs/decoders.h"
-#include "imaging/simd.h"
 
 namespace lumo::imaging::codecs {
 namespace {
-
-constexpr std::uint8_t From5Bits(unsigned v) {
-    return static_cast<std::uint8_t>(((v & 31U) * 255U + 15U) / 31U);
-}
 
 Rgb LaidOverWhite(Rgb colour, std::uint8_t coverage, TgaAlpha alpha) {
     if (alpha == TgaAlpha::None) return colour;
@@ -30,18 +25,9 @@ std::uint8_t CoverageOf(const std::uint8_t* pixel, int bits) {
 
 Rgb ColourOf(const std::uint8_t* pixel, int bits) {
     if (bits >= 24) return {pixel[2], pixel[1], pixel[0]};
-    const unsigned v = pixel[0] | static_cast<unsigned>(pixel[1]) << 8;
-    return {From5Bits(v >> 10), From5Bits(v >> 5), From5Bits(v)};
-}
-
-LUMO_SIMD_CLONES void RgbFrom555(const std::uint8_t* __restrict pixels, int count,
-                                 std::uint8_t* __restrict rgb) {
-    for (int i = 0; i < count; ++i) {
-        const unsigned v = pixels[2 * i] | static_cast<unsigned>(pixels[2 * i + 1]) << 8;
-        rgb[3 * i] = From5Bits(v >> 10);
-        rgb[3 * i + 1] = From5Bits(v >> 5);
-        rgb[3 * i + 2] = From5Bits(v);
-    }
+    std::array<std::uint8_t, 3> rgb{};
+    RgbFrom555(pixel, 1, rgb.data());
+    return {rgb[0], rgb[1], rgb[2]};
 }
 
 void Store(Rgb colour, std::uint8_t* rgb) {
@@ -157,25 +143,28 @@ void TgaRowConverter::Indexed(const std::uint8_t* row, std::uint8_t* rgb) const 
 
 // Grey and coverage; or, without attribute bits, one sample of 16 bits, low byte first.
 void TgaRowConverter::Grey16(const std::uint8_t* row, std::uint8_t* rgb) {
+    LookForCoverage(row);
+    if (alpha_ == TgaAlpha::Coverage) return RgbFromGreyAlpha(row, header_.width, rgb);
     for (int x = 0; x < header_.width; ++x, row += 2, rgb += 3) {
-        if (!header_.HasAttributes()) {
-            const std::uint8_t v = Round16To8(static_cast<std::uint16_t>(row[0] | row[1] << 8));
-            Store({v, v, v}, rgb);
-            continue;
-        }
-        anyCoverage_ |= row[1] != 0;
-        Store(LaidOverWhite({row[0], row[0], row[0]}, row[1], alpha_), rgb);
+        const auto sample = static_cast<std::uint16_t>(row[0] | row[1] << 8);
+        const std::uint8_t v = header_.HasAttributes() ? row[0] : Round16To8(sample);
+        Store(LaidOverWhite({v, v, v}, row[1], alpha_), rgb);
     }
 }
 
 void TgaRowConverter::WithAlpha(const std::uint8_t* row, std::uint8_t* rgb) {
+    LookForCoverage(row);
     const int bits = header_.bits;
-    const int unit = header_.PixelBytes();
-    for (int x = 0; x < header_.width && !anyCoverage_; ++x)
-        anyCoverage_ = CoverageOf(row + std::ptrdiff_t{x} * unit, bits) != 0;
     if (bits == 32 && alpha_ == TgaAlpha::Coverage) return RgbFromBgra(row, header_.width, rgb);
-    for (int x = 0; x < header_.width; ++x, row += unit, rgb += 3)
+    for (int x = 0; x < header_.width; ++x, row += header_.PixelBytes(), rgb += 3)
         Store(LaidOverWhite(ColourOf(row, bits), CoverageOf(row, bits), alpha_), rgb);
+}
+
+void TgaRowConverter::LookForCoverage(const std::uint8_t* row) {
+    const int unit = header_.PixelBytes();
+    for (int x = 0; x < header_.width && !anyCoverage_; ++x, row += unit)
+        anyCoverage_ =
+            header_.kind == TgaKind::Grey ? row[1] != 0 : CoverageOf(row, header_.bits) != 0;
 }
 
 }  // namespace lumo::imaging::codecs

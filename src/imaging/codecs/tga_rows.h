@@ -77,6 +77,7 @@ class TgaRowConverter {
     void Indexed(const std::uint8_t* row, std::uint8_t* rgb) const;
     void Grey16(const std::uint8_t* row, std::uint8_t* rgb);
     void WithAlpha(const std::uint8_t* row, std::uint8_t* rgb);
+    void LookForCoverage(const std::uint8_t* row);
 
     const TgaHeader& header_;
     std::vector<Rgb> map_;
