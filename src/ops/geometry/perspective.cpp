@@ -35,34 +35,24 @@ std::string PanelOf(const Fields& fields) {
         .Text();
 }
 
-struct FailureTexts {
-    std::string_view memory, fill;
-};
-
-// False if the memory could not be had; `filled` says whether the canvas took its colour.
-bool SqueezeMainImage(CLumoscriptView& view, const Fields& fields, Squeeze squeeze,
-                      const FailureTexts& texts, bool& filled) {
+Outcome SqueezeMainImage(CLumoscriptView& view, const Fields& fields, Squeeze squeeze,
+                         std::string_view memoryFailure) {
     const ConstImageView source = std::as_const(view.working.main).View();
-    auto target = CreateTarget(view, source.Width(), source.Height(), texts.memory);
-    if (!target) return false;
-    filled = FillTarget(view, target->View(), ColourOf(fields, kRed), texts.fill);
+    auto target = CreateTarget(view, source.Width(), source.Height(), memoryFailure);
+    if (!target) return Outcome::Failed;
+    FillAll(target->View(), ColourOf(fields, kRed));
     SqueezeImage(source, squeeze, fields.Integer(kPercent), target->View());
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);
-    return true;
+    return Outcome::Succeeded;
 }
 
-// The two differ in their results: this one tells of a canvas that was not filled.
 Outcome RunHorizontal(CLumoscriptView& view, const Fields& fields) {
-    constexpr FailureTexts kTexts{"Cmd_45 Horizontal: memory failure", "Cmd_45 Horizontal L6323: "};
-    bool filled = false;
-    return ToOutcome(SqueezeMainImage(view, fields, Squeeze::Columns, kTexts, filled) && filled);
+    return SqueezeMainImage(view, fields, Squeeze::Columns, "Cmd_45 Horizontal: memory failure");
 }
 
 Outcome RunVertical(CLumoscriptView& view, const Fields& fields) {
-    constexpr FailureTexts kTexts{"Cmd_89 Vertical: memory failure", "Cmd_89 Vertical L5756: "};
-    bool filled = false;
-    return ToOutcome(SqueezeMainImage(view, fields, Squeeze::Rows, kTexts, filled));
+    return SqueezeMainImage(view, fields, Squeeze::Rows, "Cmd_89 Vertical: memory failure");
 }
 
 Image PreviewOf(ConstImageView before, const Fields& fields, Squeeze squeeze) {

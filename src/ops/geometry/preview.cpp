@@ -29,10 +29,8 @@ Image OrUnchanged(std::optional<Image> preview, ConstImageView before) {
 std::optional<Image> TryCanvas(std::int64_t width, std::int64_t height, imaging::Rgb colour) {
     if (width <= 0 || height <= 0 || width > kLargestSide || height > kLargestSide)
         return std::nullopt;
-    const Size size{static_cast<int>(width), static_cast<int>(height)};
-    auto canvas = Image::TryCreate(size);
-    if (canvas && !imaging::FillSolidRect(canvas->View(), {0, 0, size.width, size.height}, colour))
-        canvas.reset();
+    auto canvas = Image::TryCreate({static_cast<int>(width), static_cast<int>(height)});
+    if (canvas) FillAll(canvas->View(), colour);
     return canvas;
 }
 

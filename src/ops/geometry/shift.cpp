@@ -30,8 +30,6 @@ constexpr std::string_view kDirectionNames[] = {"Up", "Down", "Right", "Left"};
 constexpr std::string_view kUnitNames[] = {"Pixels", "Percent"};
 constexpr std::string_view kDirectionLines[] = {"Shift up", "Shift down", "Shift right",
                                                 "Shift left"};
-constexpr std::string_view kFillFailures[] = {"Cmd_72 Shift L14938: ", "Cmd_72 Shift L14975: ",
-                                              "Cmd_72 Shift L14902: ", "Cmd_72 Shift L14865: "};
 
 constexpr std::array kFields{Choice("Direction", "0", kDirectionNames),
                              Choice("Units", "0", kUnitNames),
@@ -89,10 +87,9 @@ Outcome RunShift(CLumoscriptView& view, const Fields& fields) {
         DistanceOf(amount, fields.Is(kUnits, "1"), SideAlong(source.Extent(), *direction));
     if (!distance) return Outcome::Failed;
     const bool wrap = fields.Is(kWrap, "1");
-    if (!wrap &&
-        !imaging::FillSolidRect(target->View(), OpeningOf(source.Extent(), *direction, *distance),
-                                ColourOf(fields, kRed)))
-        OnCommandFailure(view, kFillFailures[static_cast<int>(*direction)], LibraryError::Append);
+    if (!wrap)
+        imaging::FillSolidRect(target->View(), OpeningOf(source.Extent(), *direction, *distance),
+                               ColourOf(fields, kRed));
     ShiftImage(source, *direction, *distance, wrap, target->View());
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);

@@ -28,21 +28,16 @@ std::optional<Image> CreateTarget(CLumoscriptView& view, std::int64_t width, std
     return target;
 }
 
-bool FillTarget(CLumoscriptView& view, ImageView target, Rgb colour, std::string_view failure) {
-    const bool ok = imaging::FillSolidRect(target, {0, 0, target.Width(), target.Height()}, colour);
-    if (!ok) OnCommandFailure(view, failure, LibraryError::Append);
-    return ok;
+void FillAll(ImageView picture, Rgb colour) {
+    imaging::FillSolidRect(picture, {0, 0, picture.Width(), picture.Height()}, colour);
 }
 
-bool FillAround(ImageView target, Rect inner, Rgb colour) {
-    const int width = target.Width(), height = target.Height();
-    const Rect bands[] = {{0, 0, width, inner.top},
-                          {0, inner.top, inner.left, inner.bottom},
-                          {inner.right, inner.top, width, inner.bottom},
-                          {0, inner.bottom, width, height}};
-    return std::all_of(std::begin(bands), std::end(bands), [&](const Rect& band) {
-        return imaging::FillSolidRect(target, band, colour);
-    });
+void FillAround(ImageView picture, Rect inner, Rgb colour) {
+    const int width = picture.Width(), height = picture.Height();
+    imaging::FillSolidRect(picture, {0, 0, width, inner.top}, colour);
+    imaging::FillSolidRect(picture, {0, inner.top, inner.left, inner.bottom}, colour);
+    imaging::FillSolidRect(picture, {inner.right, inner.top, width, inner.bottom}, colour);
+    imaging::FillSolidRect(picture, {0, inner.bottom, width, height}, colour);
 }
 
 void Clear(ImageView target) {

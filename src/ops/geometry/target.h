@@ -16,12 +16,11 @@ namespace lumo::ops::geometry {
 std::optional<imaging::Image> CreateTarget(engine::CLumoscriptView& view, std::int64_t width,
                                            std::int64_t height, std::string_view failure);
 
-/// Gives the whole target that colour; if it fails, reports `failure` and gives false.
-bool FillTarget(engine::CLumoscriptView& view, imaging::ImageView target, imaging::Rgb colour,
-                std::string_view failure);
+/// Gives the whole picture that colour.
+void FillAll(imaging::ImageView picture, imaging::Rgb colour);
 
-/// Gives every pixel outside of `inner`, which lies inside of the target, that colour.
-[[nodiscard]] bool FillAround(imaging::ImageView target, imaging::Rect inner, imaging::Rgb colour);
+/// Gives every pixel outside of `inner`, which lies inside of the picture, that colour.
+void FillAround(imaging::ImageView picture, imaging::Rect inner, imaging::Rgb colour);
 
 /// Black everywhere: for a target that is taken over although the work on it failed, so that what
 /// the memory held before never shows.
