@@ -9,6 +9,7 @@
 #include "io/writer_preferences.h"
 #include "ops/colour/colour_commands.h"
 #include "ops/geometry/flip.h"
+#include "ops/geometry/geometry_commands.h"
 #include "ops/geometry/scale.h"
 #include "ops/geometry/size_and_crop.h"
 #include "script/names.h"
@@ -21,7 +22,7 @@ namespace names = script::names;
 // The one list of all commands. A null row is the run loop's own (the two markers) or a command
 // that is still to come; it fails.
 constexpr std::array<CommandRow, 91> kCommands{{
-    {names::kAddBorder, nullptr},
+    {names::kAddBorder, &ops::geometry::kAddBorderCommand},
     {names::kAdjustContrastBrightness, &ops::colour::kAdjustContrastBrightnessCommand},
     {names::kAdjustColourHsl, &ops::colour::kAdjustColourHslCommand},
     {names::kAdjustColourRgb, &ops::colour::kAdjustColourRgbCommand},
@@ -32,8 +33,8 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kBlurMore, nullptr},
     {names::kBlurGaussian, nullptr},
     {names::kBlurOutward, nullptr},
-    {names::kBorderFindAndCrop, nullptr},
-    {names::kCanvasSize, nullptr},
+    {names::kBorderFindAndCrop, &ops::geometry::kBorderFindAndCropCommand},
+    {names::kCanvasSize, &ops::geometry::kCanvasSizeCommand},
     {names::kColourCurveAdjust, &ops::colour::kColourCurveAdjustCommand},
     {names::kConvertGreyscale, &ops::colour::kConvertGreyscaleCommand},
     {names::kConvertBwDither, &ops::colour::kConvertBwDitherCommand},
@@ -43,7 +44,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kCopyMove, nullptr},
     {names::kCounter, &flow::kCounterCommand},
     {names::kCountColours, &ops::colour::kCountColoursCommand},
-    {names::kCrop, nullptr},
+    {names::kCrop, &ops::geometry::kCropCommand},
     {names::kCustomFilter, nullptr},
     {names::kDeleteInputFile, nullptr},
     {names::kDespeckle, nullptr},
@@ -65,7 +66,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kHighlightMidtoneShadow, &ops::colour::kHighlightMidtoneShadowCommand},
     {names::kHistogramEqualize, &ops::colour::kHistogramEqualizeCommand},
     {names::kHistogramStretch, &ops::colour::kHistogramStretchCommand},
-    {names::kHorizontalPerspective, nullptr},
+    {names::kHorizontalPerspective, &ops::geometry::kHorizontalPerspectiveCommand},
     {names::kIfCondition, &flow::kIfConditionCommand},
     {names::kIfFirstFile, &flow::kIfFirstFileCommand},
     {names::kIfLastFile, &flow::kIfLastFileCommand},
@@ -81,20 +82,20 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kMedianFilter, nullptr},
     {names::kMinimumFilter, nullptr},
     {names::kNegative, &ops::colour::kNegativeCommand},
-    {names::kNewCanvas, nullptr},
+    {names::kNewCanvas, &ops::geometry::kNewCanvasCommand},
     {names::kNoiseAdd, nullptr},
     {names::kOutputSetup, &io::kOutputSetupCommand},
     {names::kOutputTemporary, nullptr},
     {names::kReloadImageFile, nullptr},
     {names::kReplaceColour, &ops::colour::kReplaceColourCommand},
-    {names::kRotate90, nullptr},
-    {names::kRotateSpecify, nullptr},
+    {names::kRotate90, &ops::geometry::kRotateQuarterCommand},
+    {names::kRotateSpecify, &ops::geometry::kRotateSpecifyCommand},
     {names::kScale, &ops::geometry::kScaleCommand},
     {names::kScriptInfo, &flow::kScriptInfoCommand},
     {names::kSharpen, nullptr},
-    {names::kShiftImage, nullptr},
+    {names::kShiftImage, &ops::geometry::kShiftImageCommand},
     {names::kSizeAndCrop, &ops::geometry::kSizeAndCropCommand},
-    {names::kSkew, nullptr},
+    {names::kSkew, &ops::geometry::kSkewCommand},
     {names::kSolarize, &ops::colour::kSolarizeCommand},
     {names::kStartImageLoop, &io::kStartCommand},
     {names::kSubroutineExecute, &flow::kSubroutineExecuteCommand},
@@ -109,7 +110,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kTileImage, nullptr},
     {names::kTileOverAbsolute, nullptr},
     {names::kUnsharpMask, nullptr},
-    {names::kVerticalPerspective, nullptr},
+    {names::kVerticalPerspective, &ops::geometry::kVerticalPerspectiveCommand},
     {names::kWatermark, nullptr},
     {names::kWriterPreferences, &io::kWriterPreferencesCommand},
 }};

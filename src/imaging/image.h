@@ -120,6 +120,9 @@ class Image {
     ImageView View() { return {buffer_.Data(), Extent()}; }
     ConstImageView View() const { return {buffer_.Data(), Extent()}; }
 
+    /// Width and height change places; the bytes stay as they are.
+    void ExchangeSides() { size_ = {size_.height, size_.width}; }
+
     /// Gives the buffer back; the image is empty afterwards.
     void Reset() { buffer_ = PixelBuffer(); }
 
