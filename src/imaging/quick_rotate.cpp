@@ -25,7 +25,7 @@ void TurnColumns(ConstImageView source, bool clockwise, int first, int last, Ima
 }
 
 void ReverseRow(std::uint8_t* row, int width) {
-    FlipHorizontal(ImageView(row, {width, 1}));
+    (void)HorizontalFlipImage(ImageView(row, {width, 1}));
 }
 
 // Row by row, so that a row is turned while it is in the cache.
@@ -99,12 +99,12 @@ class InPlaceTranspose {
 
 void TurnInPlace(Image& image, QuarterTurn turn) {
     const Size size = image.Extent();
-    if (turn == QuarterTurn::By90) FlipVertical(image.View());
+    if (turn == QuarterTurn::By90) (void)VerticalFlipImage(image.View());
     InPlaceTranspose(image.View().Bytes().data(), static_cast<std::size_t>(size.height),
                      static_cast<std::size_t>(size.width))
         .Run();
     image.ExchangeSides();
-    if (turn == QuarterTurn::By270) FlipVertical(image.View());
+    if (turn == QuarterTurn::By270) (void)VerticalFlipImage(image.View());
 }
 
 }  // namespace

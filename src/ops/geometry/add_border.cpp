@@ -72,7 +72,7 @@ Outcome RunAddBorder(CLumoscriptView& view, const Fields& fields) {
     if (!target) return Outcome::Failed;
     const Rect inside = Inside(*bands, source.Extent());
     FillAround(target->View(), inside, ColourOf(fields, kRed));
-    imaging::OverlayImage(target->View(), source, inside.left, inside.top);
+    (void)imaging::OverlayImage(target->View(), source, inside.left, inside.top);
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);
     return Outcome::Succeeded;
@@ -91,7 +91,7 @@ Image PreviewAddBorder(ConstImageView before, Size sample, const Fields& fields)
     auto after = TryCanvas(before.Width() + bands->left + bands->right,
                            before.Height() + bands->top + bands->bottom, ColourOf(fields, kRed));
     const Rect inside = Inside(*bands, before.Extent());
-    if (after) imaging::OverlayImage(after->View(), before, inside.left, inside.top);
+    if (after) (void)imaging::OverlayImage(after->View(), before, inside.left, inside.top);
     return OrUnchanged(std::move(after), before);
 }
 

@@ -97,7 +97,7 @@ Outcome RunCanvasSize(CLumoscriptView& view, const Fields& fields) {
     if (!target) return Outcome::Failed;
     const Rect place = PlaceOn(params, source.Extent());
     FillAround(target->View(), place, params.colour);
-    imaging::OverlayImage(target->View(), source, place.left, place.top);
+    (void)imaging::OverlayImage(target->View(), source, place.left, place.top);
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);
     return Outcome::Succeeded;
@@ -130,7 +130,7 @@ Image PreviewCanvasSize(ConstImageView before, Size sample, const Fields& fields
     if (!reduced || !after ||
         !imaging::ResizeImage(before, reduced->View(), imaging::FilterOfCode(14)))
         return OrUnchanged(std::nullopt, before);
-    imaging::OverlayImage(after->View(), reduced->View(), place.left, place.top);
+    (void)imaging::OverlayImage(after->View(), reduced->View(), place.left, place.top);
     return std::move(*after);
 }
 

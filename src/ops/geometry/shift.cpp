@@ -88,8 +88,9 @@ Outcome RunShift(CLumoscriptView& view, const Fields& fields) {
     if (!distance) return Outcome::Failed;
     const bool wrap = fields.Is(kWrap, "1");
     if (!wrap)
-        imaging::FillSolidRect(target->View(), OpeningOf(source.Extent(), *direction, *distance),
-                               ColourOf(fields, kRed));
+        (void)imaging::FillSolidRect(target->View(),
+                                     OpeningOf(source.Extent(), *direction, *distance),
+                                     ColourOf(fields, kRed));
     ShiftImage(source, *direction, *distance, wrap, target->View());
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);

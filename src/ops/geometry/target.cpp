@@ -29,15 +29,15 @@ std::optional<Image> CreateTarget(CLumoscriptView& view, std::int64_t width, std
 }
 
 void FillAll(ImageView picture, Rgb colour) {
-    imaging::FillSolidRect(picture, {0, 0, picture.Width(), picture.Height()}, colour);
+    (void)imaging::FillSolidRect(picture, {0, 0, picture.Width(), picture.Height()}, colour);
 }
 
 void FillAround(ImageView picture, Rect inner, Rgb colour) {
     const int width = picture.Width(), height = picture.Height();
-    imaging::FillSolidRect(picture, {0, 0, width, inner.top}, colour);
-    imaging::FillSolidRect(picture, {0, inner.top, inner.left, inner.bottom}, colour);
-    imaging::FillSolidRect(picture, {inner.right, inner.top, width, inner.bottom}, colour);
-    imaging::FillSolidRect(picture, {0, inner.bottom, width, height}, colour);
+    (void)imaging::FillSolidRect(picture, {0, 0, width, inner.top}, colour);
+    (void)imaging::FillSolidRect(picture, {0, inner.top, inner.left, inner.bottom}, colour);
+    (void)imaging::FillSolidRect(picture, {inner.right, inner.top, width, inner.bottom}, colour);
+    (void)imaging::FillSolidRect(picture, {0, inner.bottom, width, height}, colour);
 }
 
 void Clear(ImageView target) {

@@ -70,6 +70,7 @@ TEST(GeometryCommands, AreFoundByNameAndTitledAsTheirDialogs) {
 }
 
 TEST(GeometryCommands, WithoutMemorySayItInTheirOwnWordsAndLeaveThePictureAlone) {
+    const imaging::Image before = test::CoordinateImage({30, 20});
     for (const Row& row : kRows) {
         if (row.memoryFailure.empty()) continue;
         test::CommandRunner runner(test::CoordinateImage({30, 20}));
@@ -79,7 +80,7 @@ TEST(GeometryCommands, WithoutMemorySayItInTheirOwnWordsAndLeaveThePictureAlone)
         ASSERT_EQ(runner.messages.size(), 1U) << row.name;
         EXPECT_THAT(runner.messages[0],
                     StartsWith(std::string(row.memoryFailure) + "  IS_error not enough memory: "));
-        EXPECT_TRUE(test::SamePixels(runner.Main().View(), test::CoordinateImage({30, 20}).View()));
+        EXPECT_TRUE(test::SamePixels(runner.Main().View(), before.View()));
         EXPECT_EQ(runner.view.working.imageBits, 8) << row.name;
     }
 }
