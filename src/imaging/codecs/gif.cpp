@@ -61,7 +61,7 @@ class Reader {
 
 int Reader::Read(GifByteType* target, int count) {
     const std::size_t given = std::min(rest_.size(), static_cast<std::size_t>(count));
-    std::memcpy(target, rest_.data(), given);
+    if (given > 0) std::memcpy(target, rest_.data(), given);
     rest_ = rest_.subspan(given);
     return static_cast<int>(given);
 }

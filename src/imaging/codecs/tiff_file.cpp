@@ -42,7 +42,7 @@ tmsize_t TiffFile::Read(void* target, tmsize_t count) {
     if (count < 0 || position_ > input_.size()) return 0;
     const auto wanted = static_cast<std::size_t>(count);
     const std::size_t given = std::min(wanted, input_.size() - static_cast<std::size_t>(position_));
-    std::memcpy(target, input_.data() + position_, given);
+    if (given > 0) std::memcpy(target, input_.data() + position_, given);
     position_ += given;
     return static_cast<tmsize_t>(given);
 }
