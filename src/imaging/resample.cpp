@@ -48,7 +48,7 @@ class Scratch {
 
   private:
     PixelBuffer memory_;
-    std::size_t bytes_ = 0;
+    [[maybe_unused]] std::size_t bytes_ = 0;  // for the assertion only
     std::size_t used_ = 0;
 };
 

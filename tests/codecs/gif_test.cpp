@@ -147,7 +147,7 @@ TEST(DecodeGif, RowsBehindTheEndOfTheFileAreWhite) {
     Bytes file = Screen(20, 60, kGlobalMap);
     AppendColours(file);
     AppendPicture(file, 0, 0, 20, 60, 0, std::vector<int>(1200, 1));
-    file.resize(file.size() - 100);
+    file.erase(file.end() - 100, file.end());
     // Three blocks of 255 bytes are whole, 1020 pixels of six bits each.
     const Decoded cut = MustDecode(file);
     ASSERT_EQ(cut.warning, "the file ends early: 51 of 60 rows of pixels are there");
