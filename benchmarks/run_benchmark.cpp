@@ -24,6 +24,7 @@
 #include "imaging/resample.h"
 #include "platform/files.h"
 #include "script/names.h"
+#include "silent_interface.h"
 
 namespace lumo::bench {
 namespace {
@@ -35,13 +36,6 @@ using imaging::codecs::Bytes;
 constexpr int kPictures = 40;
 constexpr imaging::Size kTarget{1280, 960};
 constexpr int kQuality = 85;
-
-class SilentInterface : public engine::UserInterface {
-  public:
-    void ShowMessage(std::string_view) override {}
-    bool Ask(std::string_view) override { return false; }
-    void Notice(std::string_view) override {}
-};
 
 /// Waves, edges and grain: the entropy of a photograph.
 imaging::Image PhotoLike(imaging::Size size, std::uint32_t seed) {

@@ -3,42 +3,29 @@
 #include <algorithm>
 #include <cstring>
 #include <numeric>
+#include <utility>
 #include <vector>
 
 #include "imaging/flip.h"
 #include "imaging/last_error.h"
 #include "imaging/parallel.h"
+#include "imaging/quick_rotate_kernels.h"
 
 namespace lumo::imaging {
 namespace {
 
-constexpr int kTile = 32;  // pixels: the rows of a tile stay in the cache until all are read
-
-// Columns [first, last) of the source as rows of the target.
-void TurnColumns(ConstImageView source, bool clockwise, int first, int last, ImageView target) {
-    const int width = source.Width(), height = source.Height();
-    for (int tileY = 0; tileY < height; tileY += kTile)
-        for (int x = first; x < last; ++x)
-            for (int y = tileY; y < std::min(tileY + kTile, height); ++y)
-                std::memcpy(clockwise ? target.At(height - 1 - y, x) : target.At(y, width - 1 - x),
-                            source.At(x, y), kChannels);
-}
-
-void ReverseRow(std::uint8_t* row, int width) {
-    (void)HorizontalFlipImage(ImageView(row, {width, 1}));
-}
-
-// Row by row, so that a row is turned while it is in the cache.
+// Rows y and height - 1 - y change places, each reversed.
 void HalfTurn(ImageView image) {
-    const int width = image.Width(), height = image.Height();
+    const int height = image.Height();
     ForRows((height + 1) / 2, 4 * image.Stride(), [&](int first, int last) {
+        std::vector<std::uint8_t> spare(image.Stride());
         for (int y = first; y < last; ++y) {
             std::uint8_t* const above = image.Row(y);
             std::uint8_t* const below = image.Row(height - 1 - y);
-            ReverseRow(above, width);
-            if (above == below) continue;  // the middle row of an odd height
-            ReverseRow(below, width);
-            std::swap_ranges(above, above + image.Stride(), below);
+            std::memcpy(spare.data(), above, spare.size());
+            if (above != below)  // no middle row of an odd height
+                kernels::ReverseRow(below, image.Width(), above);
+            kernels::ReverseRow(spare.data(), image.Width(), below);
         }
     });
 }
@@ -97,30 +84,31 @@ class InPlaceTranspose {
     std::vector<Pixel> spare_;
 };
 
-void TurnInPlace(Image& image, QuarterTurn turn) {
+bool TurnInPlace(Image& image, QuarterTurn turn) {
     const Size size = image.Extent();
-    if (turn == QuarterTurn::By90) (void)VerticalFlipImage(image.View());
+    if (turn == QuarterTurn::By90 && !VerticalFlipImage(image.View())) return false;
     InPlaceTranspose(image.View().Bytes().data(), static_cast<std::size_t>(size.height),
                      static_cast<std::size_t>(size.width))
         .Run();
     image.ExchangeSides();
-    if (turn == QuarterTurn::By270) (void)VerticalFlipImage(image.View());
+    return turn == QuarterTurn::By90 || VerticalFlipImage(image.View());
 }
 
 }  // namespace
 
 void QuickRotate(ConstImageView source, QuarterTurn turn, ImageView target) {
     if (turn == QuarterTurn::By180) {
-        ForRows(target.Height(), target.Stride(), [&](int first, int last) {
-            for (int y = first; y < last; ++y) {
-                std::memcpy(target.Row(y), source.Row(source.Height() - 1 - y), target.Stride());
-                ReverseRow(target.Row(y), target.Width());
-            }
+        ForRows(target.Height(), 2 * target.Stride(), [&](int first, int last) {
+            for (int y = first; y < last; ++y)
+                kernels::ReverseRow(source.Row(source.Height() - 1 - y), source.Width(),
+                                    target.Row(y));
         });
         return;
     }
     const bool clockwise = turn == QuarterTurn::By90;
-    TurnColumns(source, clockwise, 0, source.Width(), target);
+    ForRows(source.Width(), 2 * target.Stride(), [&](int first, int last) {
+        kernels::TurnColumns(source, clockwise, first, last, target);
+    });
 }
 
 bool QuickRotateImageInPlace(Image& image, QuarterTurn turn) {
@@ -135,10 +123,9 @@ bool QuickRotateImageInPlace(Image& image, QuarterTurn turn) {
     if (auto target = Image::TryCreate({image.Height(), image.Width()})) {
         QuickRotate(std::as_const(image).View(), turn, target->View());
         image = std::move(*target);
-    } else {
-        TurnInPlace(image, turn);
+        return true;
     }
-    return true;
+    return TurnInPlace(image, turn);
 }
 
 }  // namespace lumo::imaging

@@ -13,7 +13,8 @@ namespace {
 constexpr Rgb kBlack{0, 0, 0}, kWhite{255, 255, 255}, kRed{200, 10, 10};
 
 void Fill(Image& image, InclusiveRect rect, Rgb colour) {
-    FillSolidRect(image.View(), {rect.left, rect.top, rect.right + 1, rect.bottom + 1}, colour);
+    EXPECT_TRUE(FillSolidRect(image.View(), {rect.left, rect.top, rect.right + 1, rect.bottom + 1},
+                              colour));
 }
 
 // Strips off one row or column after the other as long as one is all border.

@@ -19,7 +19,6 @@ using namespace engine;
 using namespace script;
 using imaging::ConstImageView;
 using imaging::Image;
-using imaging::Rect;
 using imaging::Size;
 
 enum Field { kTop, kBottom, kLeft, kRight, kRed, kGreen, kBlue, kUnits };
@@ -56,12 +55,6 @@ BorderParams ReadBorder(const Fields& fields) {
             fields.Integer(kRight), !fields.Is(kUnits, "0")};
 }
 
-// Where the picture of that size lies within its bands.
-Rect Inside(const Bands& bands, Size source) {
-    const int left = ToInt(bands.left), top = ToInt(bands.top);
-    return {left, top, left + source.width, top + source.height};
-}
-
 Outcome RunAddBorder(CLumoscriptView& view, const Fields& fields) {
     const ConstImageView source = std::as_const(view.working.main).View();
     const auto bands = BandsOf(source.Extent(), ReadBorder(fields));
@@ -70,12 +63,12 @@ Outcome RunAddBorder(CLumoscriptView& view, const Fields& fields) {
                                source.Height() + bands->top + bands->bottom,
                                "Cmd_01 Border: memory failure!:");
     if (!target) return Outcome::Failed;
-    const Rect inside = Inside(*bands, source.Extent());
-    FillAround(target->View(), inside, ColourOf(fields, kRed));
-    (void)imaging::OverlayImage(target->View(), source, inside.left, inside.top);
+    const bool ok =
+        PlaceOnTarget(view, source, ToInt(bands->left), ToInt(bands->top), ColourOf(fields, kRed),
+                      target->View(), {"Cmd_01 BorderFill L5380: ", "Cmd_01 BorderOver L5381: "});
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);
-    return Outcome::Succeeded;
+    return ToOutcome(ok);
 }
 
 Image PreviewAddBorder(ConstImageView before, Size sample, const Fields& fields) {
@@ -90,8 +83,9 @@ Image PreviewAddBorder(ConstImageView before, Size sample, const Fields& fields)
     if (!bands) return OrUnchanged(std::nullopt, before);
     auto after = TryCanvas(before.Width() + bands->left + bands->right,
                            before.Height() + bands->top + bands->bottom, ColourOf(fields, kRed));
-    const Rect inside = Inside(*bands, before.Extent());
-    if (after) (void)imaging::OverlayImage(after->View(), before, inside.left, inside.top);
+    if (after &&
+        !imaging::OverlayImage(after->View(), before, ToInt(bands->left), ToInt(bands->top)))
+        after.reset();
     return OrUnchanged(std::move(after), before);
 }
 

@@ -21,7 +21,6 @@ using namespace engine;
 using namespace script;
 using imaging::ConstImageView;
 using imaging::Image;
-using imaging::Rect;
 using imaging::Rgb;
 using imaging::Size;
 
@@ -65,11 +64,15 @@ std::string PanelOf(const Fields& fields) {
         .Text();
 }
 
+struct Point {
+    int x = 0, y = 0;
+};
+
 // Where a picture that fits lies on the canvas.
-Rect PlaceOn(const CanvasParams& params, Size picture) {
-    const int x = params.centred ? (params.canvas.width - picture.width) >> 1 : 0;
-    const int y = params.centred ? (params.canvas.height - picture.height) >> 1 : 0;
-    return {x, y, x + picture.width, y + picture.height};
+Point PlaceOn(const CanvasParams& params, Size picture) {
+    if (!params.centred) return {};
+    return {(params.canvas.width - picture.width) >> 1,
+            (params.canvas.height - picture.height) >> 1};
 }
 
 bool ShrinkMainImage(CLumoscriptView& view, Size canvas) {
@@ -95,12 +98,15 @@ Outcome RunCanvasSize(CLumoscriptView& view, const Fields& fields) {
     auto target =
         CreateTarget(view, params.canvas.width, params.canvas.height, "Canvas: memory failure");
     if (!target) return Outcome::Failed;
-    const Rect place = PlaceOn(params, source.Extent());
-    FillAround(target->View(), place, params.colour);
-    (void)imaging::OverlayImage(target->View(), source, place.left, place.top);
+    const Point place = PlaceOn(params, source.Extent());
+    const PlaceFailures failures =
+        params.centred ? PlaceFailures{"Cmd_13 CanvasFill L5807: ", "Cmd_13 CanvasOver L5809: "}
+                       : PlaceFailures{"Cmd_13 CanvasFill L5794: ", "Cmd_13 CanvasOver L5796: "};
+    const bool ok =
+        PlaceOnTarget(view, source, place.x, place.y, params.colour, target->View(), failures);
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);
-    return Outcome::Succeeded;
+    return ToOutcome(ok);
 }
 
 // The canvas is drawn at the scale of the preview, or smaller where it would be more than twice as
@@ -126,12 +132,11 @@ Image PreviewCanvasSize(ConstImageView before, Size sample, const Fields& fields
 
     auto reduced = Image::TryCreate(picture);
     auto after = TryCanvas(params.canvas.width, params.canvas.height, params.colour);
-    const Rect place = PlaceOn(params, picture);
-    if (!reduced || !after ||
-        !imaging::ResizeImage(before, reduced->View(), imaging::FilterOfCode(14)))
-        return OrUnchanged(std::nullopt, before);
-    (void)imaging::OverlayImage(after->View(), reduced->View(), place.left, place.top);
-    return std::move(*after);
+    const Point place = PlaceOn(params, picture);
+    const bool ok = reduced && after &&
+                    imaging::ResizeImage(before, reduced->View(), imaging::FilterOfCode(14)) &&
+                    imaging::OverlayImage(after->View(), reduced->View(), place.x, place.y);
+    return OrUnchanged(ok ? std::move(after) : std::nullopt, before);
 }
 
 }  // namespace

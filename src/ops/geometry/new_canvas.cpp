@@ -53,7 +53,7 @@ Outcome RunNewCanvas(CLumoscriptView& view, const Fields& fields) {
     const Size size = CanvasFor(fields, view.working.main.Extent());
     auto target = CreateTarget(view, size.width, size.height, "Cmd_61 NewCanvas: memory failure");
     if (!target) return Outcome::Failed;
-    FillAll(target->View(), ColourOf(fields, kRed));
+    FillTarget(view, target->View(), ColourOf(fields, kRed), "Cmd_61 New CanvasFill L5799: ");
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);
     return Outcome::Succeeded;

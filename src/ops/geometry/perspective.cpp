@@ -35,24 +35,35 @@ std::string PanelOf(const Fields& fields) {
         .Text();
 }
 
-Outcome SqueezeMainImage(CLumoscriptView& view, const Fields& fields, Squeeze squeeze,
-                         std::string_view memoryFailure) {
+struct FailureTexts {
+    std::string_view memory, fill;
+};
+
+// False if the memory could not be had; `filled` tells whether the canvas took its colour.
+bool SqueezeMainImage(CLumoscriptView& view, const Fields& fields, Squeeze squeeze,
+                      const FailureTexts& failures, bool& filled) {
     const ConstImageView source = std::as_const(view.working.main).View();
-    auto target = CreateTarget(view, source.Width(), source.Height(), memoryFailure);
-    if (!target) return Outcome::Failed;
-    FillAll(target->View(), ColourOf(fields, kRed));
+    auto target = CreateTarget(view, source.Width(), source.Height(), failures.memory);
+    if (!target) return false;
+    filled = FillTarget(view, target->View(), ColourOf(fields, kRed), failures.fill);
     SqueezeImage(source, squeeze, fields.Integer(kPercent), target->View());
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);
-    return Outcome::Succeeded;
+    return true;
 }
 
+// The two differ in their results: this one tells of a canvas that was not filled.
 Outcome RunHorizontal(CLumoscriptView& view, const Fields& fields) {
-    return SqueezeMainImage(view, fields, Squeeze::Columns, "Cmd_45 Horizontal: memory failure");
+    constexpr FailureTexts kFailures{"Cmd_45 Horizontal: memory failure",
+                                     "Cmd_45 Horizontal L6323: "};
+    bool filled = false;
+    return ToOutcome(SqueezeMainImage(view, fields, Squeeze::Columns, kFailures, filled) && filled);
 }
 
 Outcome RunVertical(CLumoscriptView& view, const Fields& fields) {
-    return SqueezeMainImage(view, fields, Squeeze::Rows, "Cmd_89 Vertical: memory failure");
+    constexpr FailureTexts kFailures{"Cmd_89 Vertical: memory failure", "Cmd_89 Vertical L5756: "};
+    bool filled = false;
+    return ToOutcome(SqueezeMainImage(view, fields, Squeeze::Rows, kFailures, filled));
 }
 
 Image PreviewOf(ConstImageView before, const Fields& fields, Squeeze squeeze) {

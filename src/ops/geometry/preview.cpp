@@ -30,7 +30,9 @@ std::optional<Image> TryCanvas(std::int64_t width, std::int64_t height, imaging:
     if (width <= 0 || height <= 0 || width > kLargestSide || height > kLargestSide)
         return std::nullopt;
     auto canvas = Image::TryCreate({static_cast<int>(width), static_cast<int>(height)});
-    if (canvas) FillAll(canvas->View(), colour);
+    if (canvas &&
+        !imaging::FillSolidRect(canvas->View(), {0, 0, canvas->Width(), canvas->Height()}, colour))
+        canvas.reset();
     return canvas;
 }
 

@@ -44,7 +44,7 @@ Outcome RunRotateSpecify(CLumoscriptView& view, const Fields& fields) {
         OnCommandFailure(view, "Cmd_68RotFree L14335: ", LibraryError::Append);
     auto target = CreateTarget(view, size.width, size.height, "Cmd_68 Rot Free: memory failure");
     if (!target) return Outcome::Failed;
-    FillAll(target->View(), ColourOf(fields, kRed));
+    FillTarget(view, target->View(), ColourOf(fields, kRed), "Cmd_68 RotFreeFill L14352: ");
     if (!imaging::RotateImage(source, target->View(), radians)) {
         OnCommandFailure(view, "Cmd_68 Rotate fail L14360: ", LibraryError::Append);
         return Outcome::Failed;

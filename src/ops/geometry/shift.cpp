@@ -31,6 +31,10 @@ constexpr std::string_view kUnitNames[] = {"Pixels", "Percent"};
 constexpr std::string_view kDirectionLines[] = {"Shift up", "Shift down", "Shift right",
                                                 "Shift left"};
 
+// In the order of Direction.
+constexpr std::string_view kFillFailures[] = {"Cmd_72 Shift L14938: ", "Cmd_72 Shift L14975: ",
+                                              "Cmd_72 Shift L14902: ", "Cmd_72 Shift L14865: "};
+
 constexpr std::array kFields{Choice("Direction", "0", kDirectionNames),
                              Choice("Units", "0", kUnitNames),
                              Integer("Amount", "0").Clamp(0, 10000).ClampWhen(kUnits, "1", 0, 100),
@@ -87,10 +91,10 @@ Outcome RunShift(CLumoscriptView& view, const Fields& fields) {
         DistanceOf(amount, fields.Is(kUnits, "1"), SideAlong(source.Extent(), *direction));
     if (!distance) return Outcome::Failed;
     const bool wrap = fields.Is(kWrap, "1");
-    if (!wrap)
-        (void)imaging::FillSolidRect(target->View(),
-                                     OpeningOf(source.Extent(), *direction, *distance),
-                                     ColourOf(fields, kRed));
+    if (!wrap &&
+        !imaging::FillSolidRect(target->View(), OpeningOf(source.Extent(), *direction, *distance),
+                                ColourOf(fields, kRed)))
+        OnCommandFailure(view, kFillFailures[static_cast<int>(*direction)], LibraryError::Append);
     ShiftImage(source, *direction, *distance, wrap, target->View());
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);

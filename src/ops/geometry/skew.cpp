@@ -53,7 +53,8 @@ Outcome RunSkew(CLumoscriptView& view, const Fields& fields) {
         CreateTarget(view, WidthOf(source.Extent(), params), HeightOf(source.Extent(), params),
                      params.vertical ? "Skew: memory failure" : "Cmd_74 Skew: memory failure");
     if (!target) return Outcome::Failed;
-    FillAll(target->View(), ColourOf(fields, kRed));
+    FillTarget(view, target->View(), ColourOf(fields, kRed),
+               params.vertical ? "Cmd_74 Skew L5372: " : "Cmd_74 Skew L5429: ");
     SkewImage(source, params, target->View());
     ReplaceMainImage(view, std::move(*target));
     SetFullColour(view);

@@ -11,9 +11,9 @@ namespace lumo::ops::geometry {
 
 using engine::CLumoscriptView;
 using engine::LibraryError;
+using imaging::ConstImageView;
 using imaging::Image;
 using imaging::ImageView;
-using imaging::Rect;
 using imaging::Rgb;
 
 std::optional<Image> CreateTarget(CLumoscriptView& view, std::int64_t width, std::int64_t height,
@@ -28,16 +28,25 @@ std::optional<Image> CreateTarget(CLumoscriptView& view, std::int64_t width, std
     return target;
 }
 
-void FillAll(ImageView picture, Rgb colour) {
-    (void)imaging::FillSolidRect(picture, {0, 0, picture.Width(), picture.Height()}, colour);
+bool FillTarget(CLumoscriptView& view, ImageView target, Rgb colour, std::string_view failure) {
+    const bool ok = imaging::FillSolidRect(target, {0, 0, target.Width(), target.Height()}, colour);
+    if (!ok) OnCommandFailure(view, failure, LibraryError::Append);
+    return ok;
 }
 
-void FillAround(ImageView picture, Rect inner, Rgb colour) {
-    const int width = picture.Width(), height = picture.Height();
-    (void)imaging::FillSolidRect(picture, {0, 0, width, inner.top}, colour);
-    (void)imaging::FillSolidRect(picture, {0, inner.top, inner.left, inner.bottom}, colour);
-    (void)imaging::FillSolidRect(picture, {inner.right, inner.top, width, inner.bottom}, colour);
-    (void)imaging::FillSolidRect(picture, {0, inner.bottom, width, height}, colour);
+bool PlaceOnTarget(CLumoscriptView& view, ConstImageView source, int x, int y, Rgb colour,
+                   ImageView target, const PlaceFailures& failures) {
+    // Four bands rather than the whole target: what the source covers is written once.
+    const int width = target.Width(), height = target.Height();
+    const int right = x + source.Width(), bottom = y + source.Height();
+    const bool filled = imaging::FillSolidRect(target, {0, 0, width, y}, colour) &&
+                        imaging::FillSolidRect(target, {0, y, x, bottom}, colour) &&
+                        imaging::FillSolidRect(target, {right, y, width, bottom}, colour) &&
+                        imaging::FillSolidRect(target, {0, bottom, width, height}, colour);
+    if (!filled) OnCommandFailure(view, failures.fill, LibraryError::Append);
+    const bool ok = imaging::OverlayImage(target, source, x, y);
+    if (!ok) OnCommandFailure(view, failures.overlay, LibraryError::Append);
+    return ok;
 }
 
 void Clear(ImageView target) {

@@ -16,11 +16,18 @@ namespace lumo::ops::geometry {
 std::optional<imaging::Image> CreateTarget(engine::CLumoscriptView& view, std::int64_t width,
                                            std::int64_t height, std::string_view failure);
 
-/// Gives the whole picture that colour.
-void FillAll(imaging::ImageView picture, imaging::Rgb colour);
+/// Gives the whole target that colour; if that fails, reports `failure` with the library's error
+/// and gives false.
+bool FillTarget(engine::CLumoscriptView& view, imaging::ImageView target, imaging::Rgb colour,
+                std::string_view failure);
 
-/// Gives every pixel outside of `inner`, which lies inside of the picture, that colour.
-void FillAround(imaging::ImageView picture, imaging::Rect inner, imaging::Rgb colour);
+/// Fills all of the target around the place of the source with that colour and lays the source
+/// there. Each of the two reports its own failure; the second one decides the result.
+struct PlaceFailures {
+    std::string_view fill, overlay;
+};
+bool PlaceOnTarget(engine::CLumoscriptView& view, imaging::ConstImageView source, int x, int y,
+                   imaging::Rgb colour, imaging::ImageView target, const PlaceFailures& failures);
 
 /// Black everywhere: for a target that is taken over although the work on it failed, so that what
 /// the memory held before never shows.
