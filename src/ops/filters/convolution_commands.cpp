@@ -1,0 +1,169 @@
+// "Emboss filter" and "Custom filter".
+
+#include <array>
+
+#include "imaging/colour.h"
+#include "ops/filters/convolution.h"
+#include "ops/filters/filters_commands.h"
+#include "ops/filters/support.h"
+#include "script/names.h"
+
+namespace lumo::ops::filters {
+namespace {
+
+using namespace engine;
+using namespace script;
+using imaging::ConstImageView;
+using imaging::Image;
+using imaging::Size;
+
+// The failure texts of the three allocations.
+using MemoryTexts = std::array<std::string_view, 3>;
+constexpr MemoryTexts kEmbossTexts{"Cmd_34 Emboss1: memory failure",
+                                   "Cmd_34 Emboss2: memory failure",
+                                   "Cmd_34 Emboss3: memory failure"};
+constexpr MemoryTexts kCustomTexts{"Cmd_24 Custom1: memory failure",
+                                   "Cmd_24 Custom2: memory failure",
+                                   "Cmd_24 Custom3: memory failure"};
+
+Outcome RunConvolution(CLumoscriptView& view, const Convolution& convolution,
+                       const MemoryTexts& texts) {
+    const auto failed = Convolve(view.working.main.View(), convolution);
+    if (!failed) return Outcome::Succeeded;
+    OnCommandFailure(view, texts[static_cast<std::size_t>(*failed - 1)], LibraryError::Append);
+    return Outcome::Failed;
+}
+
+Image PreviewConvolution(Image after, const Convolution& convolution) {
+    if (after.IsEmpty() || Convolve(after.View(), convolution)) return {};
+    return after;
+}
+
+Image CopyOf(ConstImageView view) {
+    auto copy = Image::TryCopy(view);
+    return copy ? std::move(*copy) : Image();
+}
+
+enum EmbossField { kBrightness, kApplyTo };
+
+constexpr std::string_view kApplyNames[] = {"Convert color values", "Convert to grayscale"};
+
+constexpr std::array kEmbossFields{Integer("Brighten (0-100)", "50").Clamp(0, 100),
+                                   Choice("Apply to", "0", kApplyNames)};
+constexpr DialogSpec kEmbossDialog{
+    .title = "Emboss filter", .windowState = "WS34", .helpTopic = "Emboss"};
+constexpr std::array kEmbossPanel{Value(kBrightness, "Brightness (0-100): ")};
+
+std::string EmbossPanel(const Fields& fields) {
+    std::string text = PanelText(kEmbossPanel, fields);
+    text.append(kApplyNames[fields.Is(kApplyTo, "1") ? 1 : 0]) += '\n';
+    return text;
+}
+
+Convolution EmbossOf(const Fields& fields) {
+    // The brightness 50 makes flat areas the middle grey, 128.
+    constexpr int kDarkest = 78;
+    Convolution convolution;
+    convolution.weights = {0, 0,  0, 0, 0,  //
+                           0, -1, 0, 1, 0,  //
+                           0, -1, 0, 1, 0,  //
+                           0, -1, 0, 1, 0,  //
+                           0, 0,  0, 0, 0};
+    convolution.offset =
+        static_cast<int>(static_cast<unsigned>(fields.Integer(kBrightness)) + kDarkest);
+    return convolution;
+}
+
+Outcome RunEmboss(CLumoscriptView& view, const Fields& fields) {
+    WorkingImage& working = view.working;
+    if (!working.grey && fields.Is(kApplyTo, "1")) {
+        imaging::ImageToGrayScale(working.main.View());
+        working.grey = true;
+        working.imageBits = 8;
+        working.imageBitsForced = 1;
+    }
+    return RunConvolution(view, EmbossOf(fields), kEmbossTexts);
+}
+
+Image PreviewEmboss(ConstImageView before, Size, const Fields& fields) {
+    Image after = CopyOf(before);
+    if (fields.Is(kApplyTo, "1") && after) imaging::ImageToGrayScale(after.View());
+    return PreviewConvolution(std::move(after), EmbossOf(fields));
+}
+
+enum CustomField { kFirstWeight = 0, kScale = 25, kOffset, kName };
+
+constexpr FieldSpec Weight(std::string_view factory) {
+    return Integer("", factory).MaxLength(4);
+}
+constexpr FieldSpec kZero = Weight("0");
+constexpr FieldSpec kMinusOne = Weight("-1");
+constexpr std::array kCustomFields{kZero,
+                                   kZero,
+                                   kZero,
+                                   kZero,
+                                   kZero,  //
+                                   kZero,
+                                   kMinusOne,
+                                   kZero,
+                                   kMinusOne,
+                                   kZero,  //
+                                   kZero,
+                                   kZero,
+                                   Weight("6"),
+                                   kZero,
+                                   kZero,  //
+                                   kZero,
+                                   kMinusOne,
+                                   kZero,
+                                   kMinusOne,
+                                   kZero,  //
+                                   kZero,
+                                   kZero,
+                                   kZero,
+                                   kZero,
+                                   kZero,  //
+                                   Integer("Scale:", "2"),
+                                   Integer("Offset:", "0"),
+                                   Text("", "Sharpen").Quoted(true)};
+constexpr std::array kCustomPanel{Value(kName, "Custom filter: "), Value(kScale, "Scale: "),
+                                  Value(kOffset, "Offset addjustment:")};
+constexpr DialogSpec kCustomDialog{
+    .title = "Custom filter", .windowState = "WS24", .helpTopic = "Customfilter"};
+
+Convolution CustomOf(const Fields& fields) {
+    Convolution convolution;
+    for (int i = 0; i < kScale; ++i)
+        convolution.weights[static_cast<std::size_t>(i)] = fields.Integer(kFirstWeight + i);
+    convolution.scale = fields.Integer(kScale);
+    convolution.offset = fields.Integer(kOffset);
+    return convolution;
+}
+
+Outcome RunCustomFilter(CLumoscriptView& view, const Fields& fields) {
+    return RunConvolution(view, CustomOf(fields), kCustomTexts);
+}
+
+Image PreviewCustomFilter(ConstImageView before, Size, const Fields& fields) {
+    return PreviewConvolution(CopyOf(before), CustomOf(fields));
+}
+
+}  // namespace
+
+const Command kEmbossCommand{.spec = {.name = names::kEmboss,
+                                      .fields = kEmbossFields,
+                                      .panelText = EmbossPanel,
+                                      .dialog = &kEmbossDialog},
+                             .opening = openings::kStandard,
+                             .run = RunEmboss,
+                             .preview = PreviewEmboss};
+
+const Command kCustomFilterCommand{.spec = {.name = names::kCustomFilter,
+                                            .fields = kCustomFields,
+                                            .panel = kCustomPanel,
+                                            .dialog = &kCustomDialog},
+                                   .opening = openings::kStandard,
+                                   .run = RunCustomFilter,
+                                   .preview = PreviewCustomFilter};
+
+}  // namespace lumo::ops::filters
