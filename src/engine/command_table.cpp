@@ -11,6 +11,7 @@
 #include "ops/geometry/flip.h"
 #include "ops/geometry/scale.h"
 #include "ops/geometry/size_and_crop.h"
+#include "ops/overlays/overlay_commands.h"
 #include "script/names.h"
 
 namespace lumo::engine {
@@ -51,7 +52,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kDoEnd, &flow::kDoEndCommand},
     {names::kDropShadow, nullptr},
     {names::kDustRemove, nullptr},
-    {names::kMosaic, nullptr},
+    {names::kMosaic, &ops::overlays::kMosaicCommand},
     {names::kElseStart, &flow::kElseStartCommand},
     {names::kElseEnd, &flow::kElseEndCommand},
     {names::kEmboss, nullptr},
@@ -61,7 +62,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kFlipVertical, &ops::geometry::kFlipVerticalCommand},
     {names::kFrameOverlay, nullptr},
     {names::kGammaAdjust, &ops::colour::kGammaAdjustCommand},
-    {names::kGrid, nullptr},
+    {names::kGrid, &ops::overlays::kGridCommand},
     {names::kHighlightMidtoneShadow, &ops::colour::kHighlightMidtoneShadowCommand},
     {names::kHistogramEqualize, &ops::colour::kHistogramEqualizeCommand},
     {names::kHistogramStretch, &ops::colour::kHistogramStretchCommand},
@@ -82,7 +83,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kMinimumFilter, nullptr},
     {names::kNegative, &ops::colour::kNegativeCommand},
     {names::kNewCanvas, nullptr},
-    {names::kNoiseAdd, nullptr},
+    {names::kNoiseAdd, &ops::overlays::kNoiseAddCommand},
     {names::kOutputSetup, &io::kOutputSetupCommand},
     {names::kOutputTemporary, nullptr},
     {names::kReloadImageFile, nullptr},
@@ -105,8 +106,8 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kSwapGreenBlue, &ops::colour::kSwapGreenBlueCommand},
     {names::kTextOverlay, nullptr},
     {names::kTextOverlayAbsolute, nullptr},
-    {names::kTileGrid, nullptr},
-    {names::kTileImage, nullptr},
+    {names::kTileGrid, &ops::overlays::kTileGridCommand},
+    {names::kTileImage, &ops::overlays::kTileImageCommand},
     {names::kTileOverAbsolute, nullptr},
     {names::kUnsharpMask, nullptr},
     {names::kVerticalPerspective, nullptr},

@@ -1,0 +1,15 @@
+#pragma once
+
+// The commands that combine the working image with another picture or with a pattern.
+
+#include "engine/command.h"
+
+namespace lumo::ops::overlays {
+
+extern const engine::Command kMosaicCommand;
+extern const engine::Command kTileImageCommand;
+extern const engine::Command kTileGridCommand;
+extern const engine::Command kGridCommand;
+extern const engine::Command kNoiseAddCommand;
+
+}  // namespace lumo::ops::overlays
