@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <tuple>
 
 #include "imaging/compose.h"
 #include "ops/colour_fields.h"
@@ -75,13 +76,14 @@ bool DrawGrid(ImageView image, const GridParams& params) {
     if (thickness > cellWidth - kCellLeftByLine) thickness = 1;
     if (thickness > cellHeight - kCellLeftByLine) thickness = 1;
     thickness = std::clamp(thickness, 1, kThickestLine);
+    // A cell has pixels, so there is a picture to fill.
     for (int column = 1; column < params.columns; ++column) {
         const int x = static_cast<int>(std::int64_t{column} * width / params.columns);
-        imaging::FillSolidRect(image, {x, 0, x + thickness, height}, params.colour);
+        std::ignore = imaging::FillSolidRect(image, {x, 0, x + thickness, height}, params.colour);
     }
     for (int row = 1; row < params.rows; ++row) {
         const int y = static_cast<int>(std::int64_t{row} * height / params.rows);
-        imaging::FillSolidRect(image, {0, y, width, y + thickness}, params.colour);
+        std::ignore = imaging::FillSolidRect(image, {0, y, width, y + thickness}, params.colour);
     }
     return true;
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 #include "imaging/compose.h"
@@ -118,9 +119,10 @@ void FlattenBlock(ImageView image, Rect block) {
         SumBlocks(image, {x, block.top, std::min(x + kStripPixels, block.right), block.bottom},
                   kStripPixels, &sums);
     const Size size = block.Extent();
-    imaging::FillSolidRect(image, block,
-                           {Average(sums.channel[0], size), Average(sums.channel[1], size),
-                            Average(sums.channel[2], size)});
+    std::ignore = imaging::FillSolidRect(  // a block has pixels
+        image, block,
+        {Average(sums.channel[0], size), Average(sums.channel[1], size),
+         Average(sums.channel[2], size)});
 }
 
 // As many whole blocks as a strip holds.
