@@ -83,10 +83,10 @@ HWY_EXPORT(MaskKeyVectors);
 
 constexpr std::size_t kPart = 512;  // pixels whose mask is made at once
 
-LUMO_SIMD_CLONES void Select(std::uint8_t* image, const std::uint8_t* overlay,
-                             const std::uint8_t* mask, std::size_t bytes) {
+LUMO_SIMD_CLONES void Select(const std::uint8_t* from, const std::uint8_t* mask, std::size_t bytes,
+                             std::uint8_t* to) {
     for (std::size_t i = 0; i < bytes; ++i)
-        image[i] = static_cast<std::uint8_t>((image[i] & mask[i]) | (overlay[i] & ~mask[i]));
+        to[i] = static_cast<std::uint8_t>((to[i] & mask[i]) | (from[i] & ~mask[i]));
 }
 
 }  // namespace
@@ -100,6 +100,11 @@ void MaskKey(const std::uint8_t* pixels, std::size_t count, const ColourKey& key
         const std::uint8_t value = key.Matches(pixels + 3 * done) ? 255 : 0;
         for (std::size_t c = 0; c < 3; ++c) mask[3 * done + c] = value;
     }
+}
+
+void CopyUnmasked(const std::uint8_t* from, const std::uint8_t* mask, std::size_t bytes,
+                  std::uint8_t* to) {
+    Select(from, mask, bytes, to);
 }
 
 void SnapToKey(ImageView image, const ColourKey& key) {
@@ -116,7 +121,7 @@ void SnapToKey(ImageView image, const ColourKey& key) {
             MaskKey(pixels, part, key, mask.data());
             for (std::size_t i = 0; i < part * kChannels; ++i)
                 mask[i] = static_cast<std::uint8_t>(~mask[i]);
-            Select(pixels, flat.data(), mask.data(), part * kChannels);
+            Select(flat.data(), mask.data(), part * kChannels, pixels);
             pixels += part * kChannels;
             count -= part;
         }
@@ -134,7 +139,7 @@ bool OverlayRGBTrans(ImageView image, ConstImageView overlay, const ColourKey& k
         for (; count > 0;) {
             const std::size_t part = std::min(count, kPart);
             MaskKey(over, part, key, mask.data());
-            Select(pixels, over, mask.data(), part * kChannels);
+            Select(over, mask.data(), part * kChannels, pixels);
             pixels += part * kChannels;
             over += part * kChannels;
             count -= part;

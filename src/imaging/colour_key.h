@@ -36,6 +36,10 @@ constexpr ColourKey KeyWithin(Rgb colour, int tolerancePercent) {
 void MaskKey(const std::uint8_t* pixels, std::size_t count, const ColourKey& key,
              std::uint8_t* mask);
 
+/// Copies the bytes where the mask is 0 and keeps those of `to` where it is 255.
+void CopyUnmasked(const std::uint8_t* from, const std::uint8_t* mask, std::size_t bytes,
+                  std::uint8_t* to);
+
 /// Gives pixels that match the key exactly its colour. In place.
 void SnapToKey(ImageView image, const ColourKey& key);
 

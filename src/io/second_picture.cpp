@@ -28,7 +28,9 @@ bool IsSettled(const platform::FileVersion& version) {
     return modified + kUnsettled < std::chrono::system_clock::now();
 }
 
-std::size_t BytesOf(const Image& image) { return image.View().Bytes().size(); }
+std::size_t BytesOf(const Image& image) {
+    return image.View().Bytes().size();
+}
 
 /// Moves the entry of that path to the end; false if there is none.
 bool MoveToEnd(Entries& entries, const std::string& path) {
@@ -70,6 +72,8 @@ std::shared_ptr<const Image> OpenSecondPicture(CLumoscriptView& view, const std:
     return picture;
 }
 
-void ForgetSecondPictures(CLumoscriptView& view) { view.secondPictures.entries.clear(); }
+void ForgetSecondPictures(CLumoscriptView& view) {
+    view.secondPictures.entries.clear();
+}
 
 }  // namespace lumo::io

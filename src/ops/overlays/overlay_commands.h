@@ -12,4 +12,10 @@ extern const engine::Command kTileGridCommand;
 extern const engine::Command kGridCommand;
 extern const engine::Command kNoiseAddCommand;
 
+extern const engine::Command kBlendImagesCommand;
+extern const engine::Command kWatermarkCommand;
+extern const engine::Command kTileOverAbsoluteCommand;
+extern const engine::Command kFrameOverlayCommand;
+extern const engine::Command kMaskOverlayCommand;
+
 }  // namespace lumo::ops::overlays

@@ -9,8 +9,10 @@
 namespace lumo::ops::overlays {
 namespace {
 
-const engine::Command* const kFamily[] = {&kMosaicCommand, &kTileImageCommand, &kTileGridCommand,
-                                          &kGridCommand, &kNoiseAddCommand};
+const engine::Command* const kFamily[] = {
+    &kMosaicCommand,       &kTileImageCommand,   &kTileGridCommand,  &kGridCommand,
+    &kNoiseAddCommand,     &kBlendImagesCommand, &kWatermarkCommand, &kTileOverAbsoluteCommand,
+    &kFrameOverlayCommand, &kMaskOverlayCommand};
 
 TEST(OverlaySchemas, FactoryStringsAreThoseOfTheCatalogue) {
     for (const engine::Command* command : kFamily) {
