@@ -45,6 +45,12 @@ using Handler = Outcome (*)(CLumoscriptView& view, const script::Fields& fields)
 using Preview = imaging::Image (*)(imaging::ConstImageView before, imaging::Size sample,
                                    const script::Fields& fields);
 
+/// As Preview, for a command that lays a second picture over the first: `second` is what the dialog
+/// opened from the field `secondField`, empty if it could not.
+using OverlayPreview = imaging::Image (*)(imaging::ConstImageView before, imaging::Size sample,
+                                          imaging::ConstImageView second,
+                                          const script::Fields& fields);
+
 /// One of the 91 commands. The catalogue (script/catalogue.h) holds its number, menu text,
 /// defaults key and factory string.
 struct Command {
@@ -52,6 +58,8 @@ struct Command {
     Opening opening;
     Handler run = nullptr;  // none: fails
     Preview preview = nullptr;
+    int secondField = -1;  // the path of the second picture, if there is one
+    OverlayPreview overlayPreview = nullptr;
 };
 
 enum class LibraryError { Omit, Append };

@@ -13,6 +13,7 @@
 #include "ops/geometry/geometry_commands.h"
 #include "ops/geometry/scale.h"
 #include "ops/geometry/size_and_crop.h"
+#include "ops/overlays/overlay_commands.h"
 #include "script/names.h"
 
 namespace lumo::engine {
@@ -20,8 +21,8 @@ namespace {
 
 namespace names = script::names;
 
-// The one list of all commands. A null row is the run loop's own (the two markers) or a command
-// that is still to come; it fails.
+// The one list of all commands. A null row is the run loop's own (END) or a command that is still
+// to come; it fails.
 constexpr std::array<CommandRow, 91> kCommands{{
     {names::kAddBorder, &ops::geometry::kAddBorderCommand},
     {names::kAdjustContrastBrightness, &ops::colour::kAdjustContrastBrightnessCommand},
@@ -29,7 +30,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kAdjustColourRgb, &ops::colour::kAdjustColourRgbCommand},
     {names::kAdjustHistogramLuminance, &ops::colour::kAdjustHistogramLuminanceCommand},
     {names::kBatchLogComments, &io::kBatchLogCommentsCommand},
-    {names::kBlendImages, nullptr},
+    {names::kBlendImages, &ops::overlays::kBlendImagesCommand},
     {names::kBlur, &ops::filters::kBlurCommand},
     {names::kBlurMore, &ops::filters::kBlurMoreCommand},
     {names::kBlurGaussian, &ops::filters::kBlurGaussianCommand},
@@ -53,7 +54,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kDoEnd, &flow::kDoEndCommand},
     {names::kDropShadow, nullptr},
     {names::kDustRemove, &ops::filters::kDustRemoveCommand},
-    {names::kMosaic, nullptr},
+    {names::kMosaic, &ops::overlays::kMosaicCommand},
     {names::kElseStart, &flow::kElseStartCommand},
     {names::kElseEnd, &flow::kElseEndCommand},
     {names::kEmboss, &ops::filters::kEmbossCommand},
@@ -61,9 +62,9 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kExit, &flow::kExitCommand},
     {names::kFlipHorizontal, &ops::geometry::kFlipHorizontalCommand},
     {names::kFlipVertical, &ops::geometry::kFlipVerticalCommand},
-    {names::kFrameOverlay, nullptr},
+    {names::kFrameOverlay, &ops::overlays::kFrameOverlayCommand},
     {names::kGammaAdjust, &ops::colour::kGammaAdjustCommand},
-    {names::kGrid, nullptr},
+    {names::kGrid, &ops::overlays::kGridCommand},
     {names::kHighlightMidtoneShadow, &ops::colour::kHighlightMidtoneShadowCommand},
     {names::kHistogramEqualize, &ops::colour::kHistogramEqualizeCommand},
     {names::kHistogramStretch, &ops::colour::kHistogramStretchCommand},
@@ -77,14 +78,14 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kJpgFileHeader, nullptr},
     {names::kLoopStart, &flow::kLoopStartCommand},
     {names::kLoopEnd, &flow::kLoopEndCommand},
-    {names::kMaskOverlay, nullptr},
+    {names::kMaskOverlay, &ops::overlays::kMaskOverlayCommand},
     {names::kMaximumFilter, &ops::filters::kMaximumFilterCommand},
     {names::kMedianCut, &ops::colour::kMedianCutCommand},
     {names::kMedianFilter, &ops::filters::kMedianFilterCommand},
     {names::kMinimumFilter, &ops::filters::kMinimumFilterCommand},
     {names::kNegative, &ops::colour::kNegativeCommand},
     {names::kNewCanvas, &ops::geometry::kNewCanvasCommand},
-    {names::kNoiseAdd, nullptr},
+    {names::kNoiseAdd, &ops::overlays::kNoiseAddCommand},
     {names::kOutputSetup, &io::kOutputSetupCommand},
     {names::kOutputTemporary, nullptr},
     {names::kReloadImageFile, nullptr},
@@ -107,12 +108,12 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kSwapGreenBlue, &ops::colour::kSwapGreenBlueCommand},
     {names::kTextOverlay, nullptr},
     {names::kTextOverlayAbsolute, nullptr},
-    {names::kTileGrid, nullptr},
-    {names::kTileImage, nullptr},
-    {names::kTileOverAbsolute, nullptr},
+    {names::kTileGrid, &ops::overlays::kTileGridCommand},
+    {names::kTileImage, &ops::overlays::kTileImageCommand},
+    {names::kTileOverAbsolute, &ops::overlays::kTileOverAbsoluteCommand},
     {names::kUnsharpMask, &ops::filters::kUnsharpMaskCommand},
     {names::kVerticalPerspective, &ops::geometry::kVerticalPerspectiveCommand},
-    {names::kWatermark, nullptr},
+    {names::kWatermark, &ops::overlays::kWatermarkCommand},
     {names::kWriterPreferences, &io::kWriterPreferencesCommand},
 }};
 

@@ -8,6 +8,7 @@
 #include "io/input.h"
 #include "io/output.h"
 #include "io/run_logs.h"
+#include "io/second_picture.h"
 #include "script/fields.h"
 #include "script/names.h"
 
@@ -119,6 +120,7 @@ void ReturnToIdle(CLumoscriptView& view) {
     run.batchRunning = false;
     run.keepRunning = 1;
     view.counters.fill(0);
+    io::ForgetSecondPictures(view);
     run.mode = RunMode::Idle;
     view.test.ifFlag = view.test.doFlag = 1;
     view.test.exitFlag = view.test.subSkip = view.test.subDepth = 0;

@@ -16,6 +16,7 @@
 
 #include "engine/user_interface.h"
 #include "imaging/image.h"
+#include "platform/files.h"
 #include "script/fields.h"
 #include "script/script.h"
 #include "settings/settings.h"
@@ -53,6 +54,17 @@ struct SampleImages {
     imaging::Image blendSource;  // second image of "Blend images"
     std::string leftDepthLabel;
     std::string rightDepthLabel;
+};
+
+/// Pictures that the commands of a run lay over the working image, kept until it ends so that each
+/// file is decoded once. Only io/second_picture.h touches it, in the thread that runs commands.
+struct SecondPictures {
+    struct Entry {
+        std::string path;
+        platform::FileVersion version;
+        std::shared_ptr<const imaging::Image> picture;
+    };
+    std::vector<Entry> entries;  // the one used last stands last
 };
 
 /// Who works on what.
@@ -162,6 +174,7 @@ struct CLumoscriptView {
     ScriptState script;
     WorkingImage working;
     SampleImages sample;
+    SecondPictures secondPictures;
     RunState run;
     TestWalk test;
     std::array<std::int32_t, 10> counters{};  // A to J

@@ -129,6 +129,16 @@ std::optional<FileStatus> GetFileStatus(const std::string& path) {
                       plain.st_mtime, plain.st_mtime};
 }
 
+std::optional<FileVersion> GetFileVersion(const std::string& path) {
+    struct stat status{};
+    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+    const auto nanoseconds = [](const timespec& time) {
+        return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+    };
+    return FileVersion{status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size),
+                       nanoseconds(status.st_mtim), nanoseconds(status.st_ctim)};
+}
+
 bool FileExists(const std::string& path) {
     const auto status = GetFileStatus(path);
     return status && !status->isFolder;

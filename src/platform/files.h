@@ -25,6 +25,17 @@ struct FileStatus {
 
 /// None if nothing is there (or it cannot be looked at). Follows links.
 std::optional<FileStatus> GetFileStatus(const std::string& path);
+/// Tells one state of a file from the next: what is at the path, how long it is, and when it was
+/// last written and touched, in nanoseconds since 1970.
+struct FileVersion {
+    std::uint64_t device = 0, inode = 0, size = 0;
+    std::int64_t modified = 0, changed = 0;
+    friend bool operator==(const FileVersion&, const FileVersion&) = default;
+};
+
+/// None if nothing is there. Follows links.
+std::optional<FileVersion> GetFileVersion(const std::string& path);
+
 bool FileExists(const std::string& path);
 bool FolderExists(const std::string& path);
 

@@ -1,0 +1,179 @@
+#include "ops/overlays/mosaic.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <optional>
+#include <tuple>
+#include <utility>
+
+#include "imaging/compose.h"
+#include "imaging/parallel.h"
+#include "imaging/simd.h"
+#include "ops/overlays/overlay_commands.h"
+#include "ops/panel_lines.h"
+#include "ops/preview_copy.h"
+#include "script/names.h"
+
+namespace lumo::ops::overlays {
+namespace {
+
+using namespace engine;
+using namespace script;
+using imaging::ConstImageView;
+using imaging::Image;
+using imaging::ImageView;
+using imaging::kChannels;
+using imaging::Rect;
+using imaging::Size;
+
+enum Field { kWidth, kHeight, kUnit };
+
+constexpr std::string_view kUnitNames[] = {"Pixel size of mosaic blocks",
+                                           "Number of mosaic blocks"};
+constexpr std::array kFields{Integer("Width:", "8").Clamp(0, 400),
+                             Integer("Height:", "8").Clamp(0, 400),
+                             Choice("Measured", "0", kUnitNames)};
+constexpr DialogSpec kDialog{
+    .title = "Convert image to mosaic", .windowState = "WS31", .helpTopic = "Effect_mosaic"};
+
+std::string PanelOf(const Fields& fields) {
+    const bool byNumber = fields.Is(kUnit, "1");
+    return PanelLines()
+        .Line(kUnitNames[byNumber ? 1 : 0])
+        .Line(byNumber ? "Across: " : "Width: ", fields.Text(kWidth))
+        .Line(byNumber ? "Down: " : "Height: ", fields.Text(kHeight))
+        .Text();
+}
+
+// The size of a block, none where no block has a pixel.
+std::optional<Size> BlockOf(Size image, const Fields& fields) {
+    Size block{fields.Integer(kWidth), fields.Integer(kHeight)};
+    if (fields.Is(kUnit, "1")) {
+        if (block.width == 0 || block.height == 0) return std::nullopt;
+        block = {std::max(image.width / block.width, 2), std::max(image.height / block.height, 2)};
+    }
+    if (block.IsEmpty()) return std::nullopt;
+    return block;
+}
+
+Outcome RunMosaic(CLumoscriptView& view, const Fields& fields) {
+    const auto block = BlockOf(view.working.main.Extent(), fields);
+    if (!block) return Outcome::Failed;
+    MosaicImage(view.working.main.View(), *block);
+    return Outcome::Succeeded;
+}
+
+Image PreviewMosaic(ConstImageView before, Size sample, const Fields& fields) {
+    return PreviewOn(before, [&](ImageView after) {
+        auto block = BlockOf(fields.Is(kUnit, "1") ? before.Extent() : sample, fields);
+        if (!block) return;
+        if (!fields.Is(kUnit, "1"))
+            block = Size{PreviewLength(block->width, before.Width(), sample.width, 1),
+                         PreviewLength(block->height, before.Height(), sample.height, 1)};
+        MosaicImage(after, *block);
+    });
+}
+
+constexpr int kStripPixels = 1024;
+constexpr std::size_t kStripBytes = std::size_t{kStripPixels} * kChannels;
+
+struct Sums {
+    std::uint64_t channel[kChannels] = {};
+};
+
+// A column of a picture holds at most 2^31 - 1 rows of 255: rows are added in parts that 32 bits
+// hold.
+constexpr int kRowsPerSum = 1 << 24;
+
+LUMO_SIMD_CLONES void AddRow(const std::uint8_t* row, std::size_t bytes, std::uint32_t* sums) {
+    for (std::size_t i = 0; i < bytes; ++i) sums[i] += row[i];
+}
+
+// Adds the sums of each run of `width` columns (the last may be shorter) to `blocks`.
+void SumBlocks(ConstImageView image, Rect strip, int width, Sums* blocks) {
+    std::array<std::uint32_t, kStripBytes> columns;
+    const std::size_t bytes = imaging::StrideOf(strip.Extent());
+    for (int from = strip.top; from < strip.bottom;) {
+        const int to = strip.bottom - from > kRowsPerSum ? from + kRowsPerSum : strip.bottom;
+        std::fill_n(columns.begin(), bytes, 0U);
+        for (; from < to; ++from) AddRow(image.At(strip.left, from), bytes, columns.data());
+        const std::uint32_t* sum = columns.data();
+        Sums* block = blocks;
+        for (int x = strip.left; x < strip.right; ++block) {
+            const int end = std::min(x + width, strip.right);
+            for (; x < end; ++x)
+                for (std::uint64_t& total : block->channel) total += *sum++;
+        }
+    }
+}
+
+std::uint8_t Average(std::uint64_t sum, Size block) {
+    return static_cast<std::uint8_t>(sum / block.Area());
+}
+
+// A block wider than a strip.
+void FlattenBlock(ImageView image, Rect block) {
+    Sums sums;
+    for (int x = block.left; x < block.right; x += kStripPixels)
+        SumBlocks(image, {x, block.top, std::min(x + kStripPixels, block.right), block.bottom},
+                  kStripPixels, &sums);
+    const Size size = block.Extent();
+    std::ignore = imaging::FillSolidRect(  // a block has pixels
+        image, block,
+        {Average(sums.channel[0], size), Average(sums.channel[1], size),
+         Average(sums.channel[2], size)});
+}
+
+// As many whole blocks as a strip holds.
+void FlattenStrip(ImageView image, Rect strip, int width) {
+    std::array<Sums, kStripPixels> blocks;
+    std::array<std::uint8_t, kStripBytes> line;
+    std::fill_n(blocks.begin(), (strip.right - strip.left + width - 1) / width, Sums{});
+    SumBlocks(image, strip, width, blocks.data());
+    std::uint8_t* out = line.data();
+    const Sums* block = blocks.data();
+    for (int x = strip.left; x < strip.right; ++block) {
+        const int end = std::min(x + width, strip.right);
+        const Size size{end - x, strip.bottom - strip.top};
+        std::uint8_t colour[kChannels];
+        for (int c = 0; c < kChannels; ++c) colour[c] = Average(block->channel[c], size);
+        for (; x < end; ++x)
+            for (const std::uint8_t value : colour) *out++ = value;
+    }
+    const std::size_t bytes = imaging::StrideOf(strip.Extent());
+    for (int y = strip.top; y < strip.bottom; ++y)
+        std::memcpy(image.At(strip.left, y), line.data(), bytes);
+}
+
+}  // namespace
+
+void MosaicImage(ImageView image, Size block) {
+    if (image.IsEmpty()) return;
+    const int width = std::min(block.width, image.Width());
+    const int height = std::min(block.height, image.Height());
+    const int step = width > kStripPixels ? width : kStripPixels / width * width;
+    const int bands = (image.Height() - 1) / height + 1;
+    const std::size_t bandBytes = image.Stride() * static_cast<std::size_t>(height);
+    imaging::ForRows(bands, bandBytes, [&](int first, int last) {
+        for (int band = first; band < last; ++band) {
+            const int top = band * height;
+            const int bottom = std::min(image.Height() - top, height) + top;
+            for (int x = 0; x < image.Width(); x += step) {
+                const Rect strip{x, top, std::min(image.Width() - x, step) + x, bottom};
+                if (width > kStripPixels)
+                    FlattenBlock(image, strip);
+                else
+                    FlattenStrip(image, strip, width);
+            }
+        }
+    });
+}
+
+const Command kMosaicCommand{
+    .spec = {.name = names::kMosaic, .fields = kFields, .panelText = PanelOf, .dialog = &kDialog},
+    .opening = openings::kStandard,
+    .run = RunMosaic,
+    .preview = PreviewMosaic};
+
+}  // namespace lumo::ops::overlays
