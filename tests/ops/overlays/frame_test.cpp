@@ -17,17 +17,17 @@ class FrameCommand : public test::SecondPictureTest {
   protected:
     /// A white window of a third in a frame of many colours.
     static Image Frame(Size size) {
-        Image frame = test::RandomImage(size, 3);
-        for (std::uint8_t& byte : frame.View().Bytes()) byte /= 2;
+        Image made = test::RandomImage(size, 3);
+        for (std::uint8_t& byte : made.View().Bytes()) byte /= 2;
         for (int y = size.height / 3; y < size.height * 2 / 3; ++y)
             for (int x = size.width / 3; x < size.width * 2 / 3; ++x)
-                frame.View().SetPixel(x, y, {255, 255, 250});
-        return frame;
+                made.View().SetPixel(x, y, {255, 255, 250});
+        return made;
     }
     /// The frame stretched by the nearest pixel, near pixels of `key` left out.
-    Image Expected(const Image& frame, Rgb key, int t) const {
+    Image Expected(const Image& picture, Rgb key, int t) const {
         auto stretched = Image::TryCreate(before.Extent());
-        EXPECT_TRUE(imaging::ResizeImage(frame.View(), stretched->View(),
+        EXPECT_TRUE(imaging::ResizeImage(picture.View(), stretched->View(),
                                          imaging::ResampleFilter::Nearest));
         for (int y = 0; y < before.Height(); ++y)
             for (int x = 0; x < before.Width(); ++x) {
