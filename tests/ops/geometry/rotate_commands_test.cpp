@@ -122,8 +122,8 @@ TEST(RotateSpecifyCommand, ARunTakesAnyAngle) {
 }
 
 TEST(RotateSpecifyCommand, ASideBeyondAllMeasureIsReported) {
-    // 2^26 + 2 pixels in a row: 192 MiB, then nothing more.
-    auto line = Image::TryCreate({(1 << 26) + 2, 1});
+    // More than 2^26 pixels in a row, also when turned by a degree: 192 MiB, and the only ones.
+    auto line = Image::TryCreate({(1 << 26) + 20000, 1});
     ASSERT_TRUE(line);
     test::CommandRunner runner(std::move(*line));
     EXPECT_EQ(runner.Execute(kRotateSpecifyCommand, "4,0,0,0,1,"), Outcome::Failed);
