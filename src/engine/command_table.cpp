@@ -50,7 +50,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kDespeckle, nullptr},
     {names::kDoWhile, &flow::kDoWhileCommand},
     {names::kDoEnd, &flow::kDoEndCommand},
-    {names::kDropShadow, nullptr},
+    {names::kDropShadow, &ops::overlays::kDropShadowCommand},
     {names::kDustRemove, nullptr},
     {names::kMosaic, &ops::overlays::kMosaicCommand},
     {names::kElseStart, &flow::kElseStartCommand},
