@@ -52,7 +52,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kDespeckle, &ops::filters::kDespeckleCommand},
     {names::kDoWhile, &flow::kDoWhileCommand},
     {names::kDoEnd, &flow::kDoEndCommand},
-    {names::kDropShadow, nullptr},
+    {names::kDropShadow, &ops::overlays::kDropShadowCommand},
     {names::kDustRemove, &ops::filters::kDustRemoveCommand},
     {names::kMosaic, &ops::overlays::kMosaicCommand},
     {names::kElseStart, &flow::kElseStartCommand},

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "imaging/compose.h"
 #include "imaging/resample.h"
 #include "ops/overlays/overlay_commands.h"
 #include "second_picture_fixture.h"
@@ -16,19 +17,19 @@ using testing::StartsWith;
 class FrameCommand : public test::SecondPictureTest {
   protected:
     /// A white window of a third in a frame of many colours.
-    static Image Frame(Size size) {
+    static Image Window(Size size) {
         Image made = test::RandomImage(size, 3);
         for (std::uint8_t& byte : made.View().Bytes()) byte /= 2;
-        for (int y = size.height / 3; y < size.height * 2 / 3; ++y)
-            for (int x = size.width / 3; x < size.width * 2 / 3; ++x)
-                made.View().SetPixel(x, y, {255, 255, 250});
+        const imaging::Rect window{size.width / 3, size.height / 3, size.width * 2 / 3,
+                                   size.height * 2 / 3};
+        EXPECT_TRUE(imaging::FillSolidRect(made.View(), window, {255, 255, 250}));
         return made;
     }
     /// The frame stretched by the nearest pixel, near pixels of `key` left out.
-    Image Expected(const Image& picture, Rgb key, int t) const {
+    Image Expected(const Image& from, Rgb key, int t) const {
         auto stretched = Image::TryCreate(before.Extent());
-        EXPECT_TRUE(imaging::ResizeImage(picture.View(), stretched->View(),
-                                         imaging::ResampleFilter::Nearest));
+        EXPECT_TRUE(
+            imaging::ResizeImage(from.View(), stretched->View(), imaging::ResampleFilter::Nearest));
         for (int y = 0; y < before.Height(); ++y)
             for (int x = 0; x < before.Width(); ++x) {
                 const Rgb p = stretched->View().Pixel(x, y);
@@ -39,7 +40,7 @@ class FrameCommand : public test::SecondPictureTest {
         return std::move(*stretched);
     }
     const Image before = test::RandomImage({61, 40}, 1);
-    const Image frame = Frame({30, 30});
+    const Image frame = Window({30, 30});
     const std::string path = Put("frame.bmp", frame.View());
 };
 

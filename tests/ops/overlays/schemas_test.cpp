@@ -12,7 +12,8 @@ namespace {
 const engine::Command* const kFamily[] = {
     &kMosaicCommand,       &kTileImageCommand,   &kTileGridCommand,  &kGridCommand,
     &kNoiseAddCommand,     &kBlendImagesCommand, &kWatermarkCommand, &kTileOverAbsoluteCommand,
-    &kFrameOverlayCommand, &kMaskOverlayCommand};
+    &kFrameOverlayCommand, &kMaskOverlayCommand,
+    &kDropShadowCommand};
 
 TEST(OverlaySchemas, FactoryStringsAreThoseOfTheCatalogue) {
     for (const engine::Command* command : kFamily) {
