@@ -17,7 +17,7 @@ void MixDividedApart(std::uint8_t* first, const std::uint8_t* second, std::size_
 void MixDividedOnce(std::uint8_t* first, const std::uint8_t* second, std::size_t bytes,
                     int percent);
 
-/// x / 255, truncated, for x below 65535.
+/// x / 255, truncated, for products of two bytes: x up to 65025. Sixteen bits overflow from 65280.
 constexpr std::uint16_t By255(std::uint16_t x) {
     return static_cast<std::uint16_t>(static_cast<std::uint16_t>(x + 1 + (x >> 8)) >> 8);
 }

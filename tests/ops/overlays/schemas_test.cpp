@@ -12,8 +12,7 @@ namespace {
 const engine::Command* const kFamily[] = {
     &kMosaicCommand,       &kTileImageCommand,   &kTileGridCommand,  &kGridCommand,
     &kNoiseAddCommand,     &kBlendImagesCommand, &kWatermarkCommand, &kTileOverAbsoluteCommand,
-    &kFrameOverlayCommand, &kMaskOverlayCommand,
-    &kDropShadowCommand};
+    &kFrameOverlayCommand, &kMaskOverlayCommand, &kDropShadowCommand};
 
 TEST(OverlaySchemas, FactoryStringsAreThoseOfTheCatalogue) {
     for (const engine::Command* command : kFamily) {
