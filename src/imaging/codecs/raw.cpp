@@ -37,9 +37,6 @@ class Stream : public LibRaw_buffer_datastream {
     // The library takes its input through a pointer that is not const, and does not write to it.
     explicit Stream(ByteView file)
         : LibRaw_buffer_datastream(const_cast<std::uint8_t*>(file.data()), file.size()) {}
-    ~Stream() override { FreeJpeg(); }
-    Stream(const Stream&) = delete;
-    Stream& operator=(const Stream&) = delete;
 
     int read(void* target, std::size_t size, std::size_t count) override {
         const INT64 before = tell();
@@ -49,24 +46,13 @@ class Stream : public LibRaw_buffer_datastream {
         missing_ += size * count - std::min(size * count, got);
         return result;
     }
-    // A JPG inside of the file is about to be decoded. Its decoder prints what is wrong, and the
-    // library forgets to free it when a tile fails: both are mended here.
     int jpeg_src(void* decompress) override {
         auto* jpeg = static_cast<jpeg_decompress_struct*>(decompress);
+        // The JPG library would print what is wrong.
         jpeg->client_data = this;
         jpeg->err->output_message = [](j_common_ptr common) {
             static_cast<Stream*>(common->client_data)->jpegDamaged_ = true;
         };
-        if (jpeg->mem != jpegMemory_) {  // else the next tile of the same decoder
-            FreeJpeg();
-            jpegMemory_ = jpeg->mem;
-            destroyJpeg_ = jpeg->mem->self_destruct;
-            jpeg->mem->self_destruct = [](j_common_ptr common) {
-                auto* self = static_cast<Stream*>(common->client_data);
-                self->jpegMemory_ = nullptr;
-                self->destroyJpeg_(common);
-            };
-        }
         return LibRaw_buffer_datastream::jpeg_src(decompress);
     }
     int get_char() override {
@@ -83,20 +69,10 @@ class Stream : public LibRaw_buffer_datastream {
     bool IsJpegDamaged() const { return jpegDamaged_; }
 
   private:
-    void FreeJpeg() {
-        if (jpegMemory_ == nullptr) return;
-        jpeg_common_struct common{};  // the decoder itself is gone, and only its memory is needed
-        common.mem = jpegMemory_;
-        jpegMemory_ = nullptr;
-        destroyJpeg_(&common);
-    }
-
     static constexpr std::size_t kLookAhead = 4096;
     std::size_t read_ = 0;
     std::size_t missing_ = 0;
     bool jpegDamaged_ = false;
-    jpeg_memory_mgr* jpegMemory_ = nullptr;  // of a decoder that was not destroyed
-    void (*destroyJpeg_)(j_common_ptr) = nullptr;
 };
 
 void SetParameters(libraw_output_params_t& params, const DecodeLimits& limits) {

@@ -26,7 +26,7 @@ TEST(OverlaySchemas, AreRegisteredWithDialogAndPanel) {
         EXPECT_EQ(engine::FindCommand(command->spec.name), command) << command->spec.name;
         ASSERT_NE(command->spec.dialog, nullptr) << command->spec.name;
         const script::CatalogueRow* row = script::FindByName(command->spec.name);
-        EXPECT_EQ(command->spec.dialog->windowState, "WS" + std::to_string(row->number));
+        EXPECT_EQ(command->spec.dialog->windowState, (row->number < 10 ? "WS0" : "WS") + std::to_string(row->number));
         EXPECT_EQ(command->spec.dialog->helpTopic, row->helpTopic);
         EXPECT_NE(script::PanelText(command->spec,
                                     script::ParseParams(script::FactoryParams(command->spec.name))),
