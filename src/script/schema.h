@@ -194,7 +194,7 @@ struct CommandSpec {
 /// The factory default string: the number of specs, then each factory text.
 std::string FactoryString(std::span<const FieldSpec> fields);
 
-/// A parameter string of these texts, one for each spec, quoted where the spec says so.
+/// A parameter string of these texts, one for each spec, quoted where its FieldSpec says so.
 std::string BuildParams(std::span<const FieldSpec> specs, std::span<const std::string> texts);
 
 /// The lines for these fields, each ended by a line feed.
