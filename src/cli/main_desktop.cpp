@@ -1,11 +1,13 @@
-// lumoscript: runs a Script unattended when all three switches say so.
+// lumoscript: the window, or an unattended run when all three switches say so.
 
 #include <cstdio>
 
 #include "cli/command_line.h"
 #include "cli/unattended.h"
+#include "ui/application.h"
 
 int main(int argc, char** argv) {
+    using namespace lumo;
     using namespace lumo::cli;
     const CommandLine line = ParseCommandLine({argv + 1, argv + argc}, Program::Desktop);
     if (line.stop) {
@@ -13,8 +15,7 @@ int main(int argc, char** argv) {
         return line.exitCode;
     }
     if (line.Unattended()) return RunUnattended(line, Program::Desktop);
-    std::fputs(
-        "lumoscript: this build has no window; run a Script with: lumoscript SCRIPT /r /x /s\n",
-        stderr);
-    return kWrongUse;
+    return ui::RunDesktop(
+        argc, argv,
+        {.scriptPath = line.scriptPath, .runAtOnce = line.autoRun, .exitAfterRun = line.autoExit});
 }

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+namespace lumo::ui {
+
+/// What the command line says to the window.
+struct StartRequest {
+    std::string scriptPath;     // empty: none
+    bool runAtOnce = false;     // /r
+    bool exitAfterRun = false;  // /x
+};
+
+/// Opens the window and runs until it is closed. Returns the exit status of the program.
+int RunDesktop(int& argc, char** argv, const StartRequest& request);
+
+}  // namespace lumo::ui
