@@ -1,4 +1,5 @@
 #include <fmt/format.h>
+#include <jpeglib.h>
 #include <libraw/libraw.h>
 
 #include <algorithm>
@@ -6,8 +7,6 @@
 #include <cstring>
 #include <memory>
 #include <span>
-
-#include <jpeglib.h>
 
 #include "imaging/codecs/decoders.h"
 
@@ -28,7 +27,9 @@ platform::Error Failure(int status) {
 }
 
 // Notes damage that the library would report on standard error.
-void NoteDamage(void* seen, const char*, int) { *static_cast<bool*>(seen) = true; }
+void NoteDamage(void* seen, const char*, int) {
+    *static_cast<bool*>(seen) = true;
+}
 
 // The file, with a count of what the library asked for behind its end: it takes that as zeros and
 // makes a picture all the same.
@@ -37,6 +38,9 @@ class Stream : public LibRaw_buffer_datastream {
     // The library takes its input through a pointer that is not const, and does not write to it.
     explicit Stream(ByteView file)
         : LibRaw_buffer_datastream(const_cast<std::uint8_t*>(file.data()), file.size()) {}
+    ~Stream() override { FreeJpeg(); }
+    Stream(const Stream&) = delete;
+    Stream& operator=(const Stream&) = delete;
 
     int read(void* target, std::size_t size, std::size_t count) override {
         const INT64 before = tell();
@@ -46,13 +50,24 @@ class Stream : public LibRaw_buffer_datastream {
         missing_ += size * count - std::min(size * count, got);
         return result;
     }
+    // A JPG inside of the file is about to be decoded. Its decoder prints what is wrong, and the
+    // library forgets to free it when a tile fails: both are mended here.
     int jpeg_src(void* decompress) override {
         auto* jpeg = static_cast<jpeg_decompress_struct*>(decompress);
-        // The JPG library would print what is wrong.
         jpeg->client_data = this;
         jpeg->err->output_message = [](j_common_ptr common) {
             static_cast<Stream*>(common->client_data)->jpegDamaged_ = true;
         };
+        if (jpeg->mem != jpegMemory_) {  // else the next tile of the same decoder
+            FreeJpeg();
+            jpegMemory_ = jpeg->mem;
+            destroyJpeg_ = jpeg->mem->self_destruct;
+            jpeg->mem->self_destruct = [](j_common_ptr common) {
+                auto* self = static_cast<Stream*>(common->client_data);
+                self->jpegMemory_ = nullptr;
+                self->destroyJpeg_(common);
+            };
+        }
         return LibRaw_buffer_datastream::jpeg_src(decompress);
     }
     int get_char() override {
@@ -69,15 +84,25 @@ class Stream : public LibRaw_buffer_datastream {
     bool IsJpegDamaged() const { return jpegDamaged_; }
 
   private:
+    void FreeJpeg() {
+        if (jpegMemory_ == nullptr) return;
+        jpeg_common_struct common{};  // the decoder itself is gone, and only its memory is needed
+        common.mem = jpegMemory_;
+        jpegMemory_ = nullptr;
+        destroyJpeg_(&common);
+    }
+
     static constexpr std::size_t kLookAhead = 4096;
     std::size_t read_ = 0;
     std::size_t missing_ = 0;
     bool jpegDamaged_ = false;
+    jpeg_memory_mgr* jpegMemory_ = nullptr;  // of a decoder that was not destroyed
+    void (*destroyJpeg_)(j_common_ptr) = nullptr;
 };
 
 void SetParameters(libraw_output_params_t& params, const DecodeLimits& limits) {
     params.output_bps = 8;
-    params.output_color = 1;  // sRGB
+    params.output_color = 1;   // sRGB
     params.gamm[0] = 1 / 2.4;  // and its curve
     params.gamm[1] = 12.92;
     params.use_camera_wb = 1;
@@ -95,7 +120,7 @@ std::string RefuseRaw(const LibRaw& raw, const DecodeLimits& limits) {
     return reason;
 }
 
-// Some readers of the library leave pixels at zero, silently, where their data is no data. A file
+// Some readers of the library leave most pixels at zero, silently, where their data ends. A file
 // far too small for its sensor shows that: even lossy formats spend a bit on ten pixels.
 bool IsStub(const LibRaw& raw, ByteView file, bool damaged) {
     const libraw_rawdata_t& data = raw.imgdata.rawdata;
@@ -115,7 +140,10 @@ bool IsStub(const LibRaw& raw, ByteView file, bool damaged) {
     if (first == nullptr) return false;
     const std::size_t count =
         raw.imgdata.sizes.raw_pitch / sizeof(ushort) * raw.imgdata.sizes.raw_height;
-    return count > channels && std::equal(first, first + count - channels, first + channels);
+    if (count <= channels) return false;
+    std::size_t changes = 0;
+    for (std::size_t i = channels; i < count; ++i) changes += first[i] != first[i - channels];
+    return changes < count / 50;
 }
 
 Result<Image> ToRgb(const libraw_processed_image_t& source) {
@@ -154,7 +182,8 @@ Result<Decoded> DecodeRaw(ByteView file, const DecodeOptions& options) {
         return platform::Error{std::move(reason)};
     stream.StartCount();
     status = raw->unpack();
-    if (stream.IsMostlyMissing() || (status == LIBRAW_SUCCESS && IsStub(*raw, file, damaged)))
+    if (stream.IsMostlyMissing() ||
+        (status == LIBRAW_SUCCESS && IsStub(*raw, file, damaged || stream.IsJpegDamaged())))
         return platform::Error{"camera RAW: the file does not hold the picture of the sensor"};
     if (status == LIBRAW_SUCCESS) status = raw->dcraw_process();
     if (status != LIBRAW_SUCCESS) return Failure(status);

@@ -66,8 +66,8 @@ void CentreThinLines(Path& path) {
     const std::vector<Point> old(p.begin(), p.end());
     const auto centre = [](double v) { return std::floor(v) + 0.5; };
     const auto join = [&](std::size_t a, std::size_t b) {
-        if (old[a].x == old[b].x) p[a].x = p[b].x = centre(old[a].x);
-        if (old[a].y == old[b].y) p[a].y = p[b].y = centre(old[a].y);
+        if (old[a].x != old[b].x && old[a].y != old[b].y) return;
+        for (const std::size_t i : {a, b}) p[i] = {centre(old[i].x), centre(old[i].y)};
     };
     std::size_t next = 0, start = 0;
     for (const Path::Verb verb : verbs) {
@@ -201,6 +201,9 @@ void Canvas::Draw(Box extents, double work, const Clip& clip, Rop3 rop,
 void Canvas::Combine(Rect box, const Clip& clip, Rop3 rop, bool soft, const Paint& pattern) {
     cairo_surface_flush(surface_.get());
     const std::uint32_t* layer = layer_.data();
+    const BitwiseRop bitwise(rop);
+    const bool solid = !pattern.tile;
+    const std::uint32_t colour = PackRgb(pattern.colour);
     for (int y = box.top; y < box.bottom; ++y) {
         std::uint32_t* row = Row(y);
         const std::uint8_t* amounts = clip.IsRectangle() ? nullptr : clip.Row(y);
@@ -210,10 +213,10 @@ void Canvas::Combine(Rect box, const Clip& clip, Rop3 rop, bool soft, const Pain
             if (amounts) amount = (amount * amounts[x - clip.Bounds().left] + 127) / 255;
             if (amount == 0) continue;
             const std::uint32_t source = Unmultiplied(pixel);
-            const std::uint32_t p = ColourAt(pattern, x, y);
+            const std::uint32_t p = solid ? colour : ColourAt(pattern, x, y);
             const std::uint32_t value =
-                soft ? SoftRop(rop, source, row[x]) : ApplyRop(rop, p, source, row[x]);
-            row[x] = Blend(row[x], value, amount);
+                soft ? SoftRop(rop, source, row[x]) : bitwise(p, source, row[x]);
+            row[x] = amount == 255 ? value | 0xFF000000U : Blend(row[x], value, amount);
         }
     }
     cairo_surface_mark_dirty(surface_.get());

@@ -73,6 +73,7 @@ void Canvas::Blit(const Bitmap& bitmap, Rect part, const Transform& where, const
                   const Paint& pattern, const Clip& clip) {
     part = Intersection(part, {0, 0, bitmap.size.width, bitmap.size.height});
     if (IsEmpty(part) || mode.rop == kNoOperation || !where.IsFinite()) return;
+    if (where.Determinant() == 0) return;
     const bool straight = IsUpright(where) || IsQuarterTurned(where);
     const Transform place = straight ? SnapPlace(where) : where;
     if (!place.IsFinite() || std::abs(place.Determinant()) < 1e-6) return;

@@ -707,7 +707,13 @@ Point EmfFile::StatedSize() const {
 }
 
 Transform EmfFile::Base(Size size) const {
-    return BoxToBox(area, {0, 0, static_cast<double>(size.width), static_cast<double>(size.height)});
+    const Box picture{0, 0, static_cast<double>(size.width), static_cast<double>(size.height)};
+    const bool sameScale = std::abs(area.Width() - picture.right) < 0.5 &&
+                           std::abs(area.Height() - picture.bottom) < 0.5;
+    if (!sameScale) return BoxToBox(area, picture);
+    // Hundredths of a millimetre are a little too coarse for pixels: one of the device is one of
+    // the picture, or all lines would blur.
+    return {1, 0, 0, 1, -std::round(area.left), -std::round(area.top)};
 }
 
 std::optional<EmfFile> OpenEmf(ByteView bytes) {

@@ -2,6 +2,7 @@
 
 // The bitwise combinations of pattern P, source S and destination D that metafiles name.
 
+#include <array>
 #include <cstdint>
 
 namespace lumo::imaging::codecs::metafile {
@@ -39,13 +40,29 @@ constexpr bool InvertsDestination(Rop3 rop) {
     return false;
 }
 
-/// The operation on each bit of three words.
+/// The operation on each bit of three words, prepared for many of them.
+class BitwiseRop {
+  public:
+    constexpr explicit BitwiseRop(Rop3 rop) {
+        for (unsigned i = 0; i < 8; ++i) masks_[i] = (rop >> i) & 1 ? ~std::uint32_t{0} : 0;
+    }
+    constexpr std::uint32_t operator()(std::uint32_t p, std::uint32_t s, std::uint32_t d) const {
+        const auto& m = masks_;
+        const std::uint32_t without = Pick(s, Pick(d, m[3], m[2]), Pick(d, m[1], m[0]));
+        const std::uint32_t with = Pick(s, Pick(d, m[7], m[6]), Pick(d, m[5], m[4]));
+        return Pick(p, with, without);
+    }
+
+  private:
+    // The bits of `one` where `bits` are set, else those of `other`.
+    static constexpr std::uint32_t Pick(std::uint32_t bits, std::uint32_t one, std::uint32_t other) {
+        return other ^ (bits & (one ^ other));
+    }
+    std::array<std::uint32_t, 8> masks_{};
+};
+
 constexpr std::uint32_t ApplyRop(Rop3 rop, std::uint32_t p, std::uint32_t s, std::uint32_t d) {
-    std::uint32_t result = 0;
-    for (unsigned i = 0; i < 8; ++i)
-        if ((rop >> i) & 1)
-            result |= (i & 4 ? p : ~p) & (i & 2 ? s : ~s) & (i & 1 ? d : ~d);
-    return result;
+    return BitwiseRop(rop)(p, s, d);
 }
 
 /// The operation on S and D as amounts from 0 to 255 instead of bits: the one function that is

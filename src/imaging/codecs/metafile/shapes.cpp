@@ -51,7 +51,15 @@ StrokeStyle StyleOf(const Pen& pen, double scale, double miterLimit) {
                                                     : CAIRO_LINE_JOIN_ROUND;
     }
     style.dashes = DashesOf(pen, style.width, scale);
-    if (!style.dashes.empty()) style.cap = CAIRO_LINE_CAP_BUTT;
+    if (style.width >= kThin) {
+        if (!style.dashes.empty()) style.cap = CAIRO_LINE_CAP_BUTT;
+    } else {
+        // Square ends reach half a pixel out on both sides, to the borders of the end pixels.
+        for (std::size_t i = 0; i < style.dashes.size(); ++i) {
+            double& dash = style.dashes[i];
+            dash = i % 2 == 0 ? std::max(0.0, dash - 1) : dash + 1;
+        }
+    }
     return style;
 }
 

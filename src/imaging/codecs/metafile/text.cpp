@@ -30,22 +30,22 @@ using FontDescription = std::unique_ptr<PangoFontDescription, FontFree>;
 using FontMetrics = std::unique_ptr<PangoFontMetrics, FontFree>;
 using Attributes = std::unique_ptr<PangoAttrList, FontFree>;
 
-constexpr double kLargestFont = 20'000;  // pixels
-constexpr double kLargestGlyph = 200;    // pixels; larger letters are drawn as outlines
+constexpr double kLargestFont = 20'000;       // pixels
+constexpr double kLargestGlyph = 200;         // pixels; larger letters are drawn as outlines
 constexpr std::size_t kLongestText = 20'000;  // bytes of one record
 
 // What stands in for faces that are not installed, by the beginning of their names in lower case:
 // the family whose letters come nearest in shape and width.
 constexpr std::pair<std::string_view, std::string_view> kStandIns[] = {
-    {"times", "Times New Roman"},    {"tms rmn", "Times New Roman"},
-    {"ms serif", "Times New Roman"}, {"roman", "Times New Roman"},
-    {"garamond", "Times New Roman"}, {"georgia", "Times New Roman"},
-    {"cambria", "Times New Roman"},  {"palatino", "Times New Roman"},
-    {"bookman", "Times New Roman"},  {"book antiqua", "Times New Roman"},
-    {"century", "Times New Roman"},  {"minion", "Times New Roman"},
-    {"verdana", "DejaVu Sans"},      {"lucida sans", "DejaVu Sans"},
-    {"courier", "Courier New"},      {"fixedsys", "Courier New"},
-    {"terminal", "Courier New"},     {"consolas", "Courier New"},
+    {"times", "Times New Roman"},      {"tms rmn", "Times New Roman"},
+    {"ms serif", "Times New Roman"},   {"roman", "Times New Roman"},
+    {"garamond", "Times New Roman"},   {"georgia", "Times New Roman"},
+    {"cambria", "Times New Roman"},    {"palatino", "Times New Roman"},
+    {"bookman", "Times New Roman"},    {"book antiqua", "Times New Roman"},
+    {"century", "Times New Roman"},    {"minion", "Times New Roman"},
+    {"verdana", "DejaVu Sans"},        {"lucida sans", "DejaVu Sans"},
+    {"courier", "Courier New"},        {"fixedsys", "Courier New"},
+    {"terminal", "Courier New"},       {"consolas", "Courier New"},
     {"lucida console", "Courier New"},
 };
 
@@ -89,15 +89,15 @@ double StatedMeanWidth(PangoFont* font) {
 struct Line {
     Owned<PangoContext> context;
     Owned<PangoLayout> layout;
-    double ascent = 0;   // pixels
+    double ascent = 0;  // pixels
     double descent = 0;
     double width = 0;    // of all advances
     double stretch = 1;  // of the letters along the line
 };
 
 void SetSize(PangoContext* context, PangoFontDescription* description, double pixels) {
-    pango_font_description_set_absolute_size(
-        description, std::clamp(pixels, 1.0, kLargestFont) * PANGO_SCALE);
+    pango_font_description_set_absolute_size(description,
+                                             std::clamp(pixels, 1.0, kLargestFont) * PANGO_SCALE);
     pango_context_set_font_description(context, description);
 }
 
@@ -115,15 +115,16 @@ Line MakeLine(const Font& font, double pixelsPerUnit, const std::string& text, b
 
     const FontDescription description(pango_font_description_new());
     pango_font_description_set_family(description.get(), Families(font).c_str());
-    pango_font_description_set_weight(
-        description.get(), static_cast<PangoWeight>(std::clamp(font.weight, 100, 1000)));
+    pango_font_description_set_weight(description.get(),
+                                      static_cast<PangoWeight>(std::clamp(font.weight, 100, 1000)));
     if (font.italic) pango_font_description_set_style(description.get(), PANGO_STYLE_ITALIC);
     const double wanted = std::abs(font.height == 0 ? 16.0 : font.height * pixelsPerUnit);
     SetSize(line.context.get(), description.get(), wanted);
     const auto measure = [&] {
         const FontMetrics metrics(
             pango_context_get_metrics(line.context.get(), description.get(), nullptr));
-        line.ascent = static_cast<double>(pango_font_metrics_get_ascent(metrics.get())) / PANGO_SCALE;
+        line.ascent =
+            static_cast<double>(pango_font_metrics_get_ascent(metrics.get())) / PANGO_SCALE;
         line.descent =
             static_cast<double>(pango_font_metrics_get_descent(metrics.get())) / PANGO_SCALE;
     };
@@ -217,7 +218,8 @@ void DeviceContext::DrawText(const TextCall& call) {
     const double scale = std::hypot(letters.xy, letters.yy);
     const double across = std::hypot(letters.xx, letters.yx);
     if (!letters.IsFinite() || !(scale > 0) || !(across > 0) || !(scale < 1e6)) return;
-    letters = {letters.xx / scale, letters.yx / scale, letters.xy / scale, letters.yy / scale, 0, 0};
+    letters = {
+        letters.xx / scale, letters.yx / scale, letters.xy / scale, letters.yy / scale, 0, 0};
     // The angle runs from the x axis towards the y axis of the logical units, where that is up.
     const double sense = !turned && ToCanvas().Determinant() < 0 ? 1 : -1;
     const double angle = sense * state_.font.escapement * std::numbers::pi / 1800;
@@ -254,7 +256,8 @@ void DeviceContext::DrawText(const TextCall& call) {
                 own = false;
         }
         if (!own) sum += natural + state_.charExtra * unit;
-        if (!own && call.text[static_cast<std::size_t>(from)] == ' ') sum += state_.breakExtra * unit;
+        if (!own && call.text[static_cast<std::size_t>(from)] == ' ')
+            sum += state_.breakExtra * unit;
         return sum;
     });
 
@@ -264,8 +267,12 @@ void DeviceContext::DrawText(const TextCall& call) {
     at.MoveTo(updates ? state_.position : call.at);
     const Point origin = OnCanvas(std::move(at)).Last();
     const std::uint32_t horizontal = align & kHorizontalMask, vertical = align & kVerticalMask;
-    const double left = horizontal == kCentre ? -line.width / 2 : horizontal == kRight ? -line.width : 0;
-    const double baseline = vertical == kBaseline ? 0 : vertical == kBottom ? -line.descent : line.ascent;
+    const double left = horizontal == kCentre  ? -line.width / 2
+                        : horizontal == kRight ? -line.width
+                                               : 0;
+    const double baseline = vertical == kBaseline ? 0
+                            : vertical == kBottom ? -line.descent
+                                                  : line.ascent;
     Transform place = letters;
     place.x0 = origin.x;
     place.y0 = origin.y;
@@ -288,16 +295,18 @@ void DeviceContext::DrawText(const TextCall& call) {
     if (cairo_matrix_invert(&inverse) != CAIRO_STATUS_SUCCESS) return;
     PangoLayoutLine* text = pango_layout_get_line_readonly(line.layout.get(), 0);
     const Rgb colour = ColourOf(state_.textColour);
-    const bool asOutline = buildingPath_ || pad > kLargestGlyph;
+    const double enlarged =
+        std::max({1.0, std::hypot(place.xx, place.yx), std::hypot(place.xy, place.yy)});
+    const bool asOutline = buildingPath_ || pad * enlarged > kLargestGlyph;
     if (asOutline) {
+        // The outline is taken at the size of the line and stretched afterwards: a letter of a
+        // size that FreeType refuses would spoil its face for every later text of the program.
         cairo_t* cr = canvas_.Context();
-        cairo_save(cr);
         cairo_new_path(cr);
-        cairo_transform(cr, &matrix);
         cairo_move_to(cr, left, baseline);
         pango_cairo_layout_line_path(cr, text);
-        cairo_restore(cr);
-        const Path outline = TakePath(cr);
+        Path outline = TakePath(cr);
+        outline.Map(place);
         if (buildingPath_)
             path_.Append(outline);
         else

@@ -1,0 +1,8 @@
+// Corpus: raw raw/invalid
+
+#include "fuzz/decode_check.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    lumo::fuzz::CheckDecoder(lumo::imaging::codecs::DecodeRaw, data, size);
+    return 0;
+}

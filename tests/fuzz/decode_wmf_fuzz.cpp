@@ -1,0 +1,8 @@
+// Corpus: wmf
+
+#include "fuzz/decode_check.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    lumo::fuzz::CheckDecoder(lumo::imaging::codecs::DecodeWmf, data, size);
+    return 0;
+}
