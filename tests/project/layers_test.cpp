@@ -21,6 +21,7 @@ const std::set<std::string> kStateHeaders{"view.h", "command.h", "user_interface
 std::string LayerOf(const fs::path& relative) {
     auto part = relative.begin();
     const std::string folder = part->string();
+    if (relative.filename().string().starts_with("main_")) return "program";
     if (folder == "engine")
         return kStateHeaders.count(relative.filename().string()) != 0 ? "state" : "driver";
     if (folder == "ops" && std::distance(relative.begin(), relative.end()) > 2)
@@ -54,6 +55,7 @@ const std::map<std::string, std::set<std::string>>& Allowed() {
         map["cli"].insert({"cli", "generated"});
         map["ui"] = map["driver"];
         map["ui"].insert({"cli", "ui"});
+        map["program"] = map["ui"];
         return map;
     }();
     return allowed;
