@@ -56,15 +56,16 @@ void DeviceContext::PatternBlit(Box box, Rop3 rop) {
 }
 
 void DeviceContext::Blit(const Bitmap& bitmap, Box target, Box source, const BlitMode& mode) {
-    BlitOnto(bitmap, {target.Width(), 0, 0, target.Height(), target.left, target.top}, source, mode);
+    BlitOnto(bitmap, {target.Width(), 0, 0, target.Height(), target.left, target.top}, source,
+             mode);
 }
 
 void DeviceContext::BlitOnto(const Bitmap& bitmap, const Transform& target, Box source,
                              const BlitMode& mode) {
     const Span across = Overlap(source.left, source.right, bitmap.size.width);
     const Span down = Overlap(source.top, source.bottom, bitmap.size.height);
-    const Transform share{across.to - across.from, 0, 0, down.to - down.from, across.from,
-                          down.from};
+    const Transform share{across.to - across.from, 0,           0,
+                          down.to - down.from,     across.from, down.from};
     const Transform place = Compose(ToCanvas(), Compose(target, share));
     canvas_.Blit(bitmap, {across.first, down.first, across.last, down.last}, place, mode,
                  PaintOf(state_.brush), state_.clip);
@@ -80,19 +81,19 @@ void DeviceContext::SetDibToDevice(const Bitmap& bitmap, Point at, Point from, P
     const double rows = last - first;
     const double below = first - from.y;  // rows of the target that come before
     const double targetTop = bitmap.bottomUp ? size.y - below - rows : below;
-    const double top = bitmap.bottomUp ? bitmap.size.height - (last - firstScan) : first - firstScan;
+    const double top =
+        bitmap.bottomUp ? bitmap.size.height - (last - firstScan) : first - firstScan;
 
     // The size is in units of the device, so only the corner is mapped.
     const Transform page = Compose(PageToDevice(), state_.mapping.world);
     const Point corner = page.Map(at);
-    const Transform place = Compose(
-        base_, {size.x, 0, 0, rows, corner.x, corner.y + targetTop});
+    const Transform place = Compose(base_, {size.x, 0, 0, rows, corner.x, corner.y + targetTop});
     const Span across = Overlap(from.x, from.x + size.x, bitmap.size.width);
     const Span down = Overlap(top, top + rows, bitmap.size.height);
-    const Transform share{across.to - across.from, 0, 0, down.to - down.from, across.from,
-                          down.from};
-    canvas_.Blit(bitmap, {across.first, down.first, across.last, down.last},
-                 Compose(place, share), {}, {}, state_.clip);
+    const Transform share{across.to - across.from, 0,           0,
+                          down.to - down.from,     across.from, down.from};
+    canvas_.Blit(bitmap, {across.first, down.first, across.last, down.last}, Compose(place, share),
+                 {}, {}, state_.clip);
 }
 
 void DeviceContext::GradientBox(const GradientVertex& from, const GradientVertex& to,

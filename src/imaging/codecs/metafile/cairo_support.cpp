@@ -45,7 +45,9 @@ void TracePath(cairo_t* cr, const Path& path, Point shift) {
                 cairo_curve_to(cr, a.x, a.y, b.x, b.y, p.x, p.y);
                 break;
             }
-            case Path::Verb::Close: cairo_close_path(cr); break;
+            case Path::Verb::Close:
+                cairo_close_path(cr);
+                break;
         }
     }
 }
@@ -57,10 +59,18 @@ Path TakePath(cairo_t* cr) {
         const cairo_path_data_t* data = &taken->data[i];
         const auto at = [data](int n) { return Point{data[n].point.x, data[n].point.y}; };
         switch (data->header.type) {
-            case CAIRO_PATH_MOVE_TO: path.MoveTo(at(1)); break;
-            case CAIRO_PATH_LINE_TO: path.LineTo(at(1)); break;
-            case CAIRO_PATH_CURVE_TO: path.CurveTo(at(1), at(2), at(3)); break;
-            case CAIRO_PATH_CLOSE_PATH: path.Close(); break;
+            case CAIRO_PATH_MOVE_TO:
+                path.MoveTo(at(1));
+                break;
+            case CAIRO_PATH_LINE_TO:
+                path.LineTo(at(1));
+                break;
+            case CAIRO_PATH_CURVE_TO:
+                path.CurveTo(at(1), at(2), at(3));
+                break;
+            case CAIRO_PATH_CLOSE_PATH:
+                path.Close();
+                break;
         }
     }
     cairo_path_destroy(taken);

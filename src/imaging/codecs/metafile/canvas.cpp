@@ -13,8 +13,8 @@ CairoPattern TilePattern(const Paint& paint) {
     // Cairo never writes to a surface that is only a source.
     auto* pixels = const_cast<std::uint32_t*>(paint.tile->pixels.data());
     const Size size = paint.tile->size;
-    const CairoSurface surface = SurfaceOn(pixels, CAIRO_FORMAT_ARGB32, size,
-                                           static_cast<std::size_t>(size.width) * 4);
+    const CairoSurface surface =
+        SurfaceOn(pixels, CAIRO_FORMAT_ARGB32, size, static_cast<std::size_t>(size.width) * 4);
     CairoPattern pattern(cairo_pattern_create_for_surface(surface.get()));
     cairo_pattern_set_extend(pattern.get(), CAIRO_EXTEND_REPEAT);
     cairo_pattern_set_filter(pattern.get(), CAIRO_FILTER_NEAREST);
@@ -118,11 +118,13 @@ std::uint32_t SoftRop(Rop3 rop, std::uint32_t s, std::uint32_t d) {
 std::uint32_t ColourAt(const Paint& paint, int x, int y) {
     if (!paint.tile) return PackRgb(paint.colour);
     const auto wrap = [](int v, double origin, int extent) {
-        const int i = static_cast<int>((v - static_cast<std::int64_t>(std::round(origin))) % extent);
+        const int i =
+            static_cast<int>((v - static_cast<std::int64_t>(std::round(origin))) % extent);
         return i < 0 ? i + extent : i;
     };
     const Size size = paint.tile->size;
-    return paint.tile->At(wrap(x, paint.origin.x, size.width), wrap(y, paint.origin.y, size.height));
+    return paint.tile->At(wrap(x, paint.origin.x, size.width),
+                          wrap(y, paint.origin.y, size.height));
 }
 
 std::optional<Canvas> Canvas::Create(Size size) {
@@ -240,15 +242,16 @@ void Canvas::Stroke(const Path& path, const StrokeStyle& style, const Paint& pai
     if (path.IsEmpty()) return;
     Path line = path;
     if (style.width < 1.5) CentreThinLines(line);
-    const double spike = style.join == CAIRO_LINE_JOIN_MITER ? std::max(1.0, style.miterLimit) : 1.5;
+    const double spike =
+        style.join == CAIRO_LINE_JOIN_MITER ? std::max(1.0, style.miterLimit) : 1.5;
     const double reach = style.width / 2 * spike + 1;
     Box extents = line.Bounds();
     extents = {extents.left - reach, extents.top - reach, extents.right + reach,
                extents.bottom + reach};
     const double height = limits_.bottom;
     const double points = static_cast<double>(line.Points().size());
-    double work = EdgeWork(line, height) * 3 +
-                  points * 8 * std::min(style.width, height) + points * 20 * std::sqrt(style.width);
+    double work = EdgeWork(line, height) * 3 + points * 8 * std::min(style.width, height) +
+                  points * 20 * std::sqrt(style.width);
     // Dashes are counted along the whole line, even where it runs far outside of the picture.
     double period = 0;
     for (const double dash : style.dashes) period += dash;

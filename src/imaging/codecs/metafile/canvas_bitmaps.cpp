@@ -6,8 +6,12 @@
 namespace lumo::imaging::codecs::metafile {
 namespace {
 
-bool IsUpright(const Transform& t) { return t.xy == 0 && t.yx == 0; }
-bool IsQuarterTurned(const Transform& t) { return t.xx == 0 && t.yy == 0; }
+bool IsUpright(const Transform& t) {
+    return t.xy == 0 && t.yx == 0;
+}
+bool IsQuarterTurned(const Transform& t) {
+    return t.xx == 0 && t.yy == 0;
+}
 
 Box BoundsOf(const Transform& place) {
     Path square;
@@ -57,7 +61,9 @@ Bitmap CopyPart(const Bitmap& bitmap, Rect part, const BlitMode& mode) {
 }
 
 // Of these the meaning is a mask, and smooth edges of a mask stay smooth in the linear form.
-bool IsMasking(Rop3 rop) { return rop == 0x88 || rop == 0xEE || rop == 0x22 || rop == 0xBB; }
+bool IsMasking(Rop3 rop) {
+    return rop == 0x88 || rop == 0xEE || rop == 0x22 || rop == 0xBB;
+}
 
 // Pixels of the part that lie under a pixel of the canvas, across and down.
 bool KeepsPixels(const Transform& place, Size size) {
@@ -96,9 +102,12 @@ void Canvas::Blit(const Bitmap& bitmap, Rect part, const Transform& where, const
                   static_cast<std::size_t>(source.size.width) * 4);
     const bool keepsPixels = KeepsPixels(place, source.size);
 
-    cairo_matrix_t inverse{place.xx / source.size.width,  place.yx / source.size.width,
-                           place.xy / source.size.height, place.yy / source.size.height,
-                           place.x0,                      place.y0};
+    cairo_matrix_t inverse{place.xx / source.size.width,
+                           place.yx / source.size.width,
+                           place.xy / source.size.height,
+                           place.yy / source.size.height,
+                           place.x0,
+                           place.y0};
     if (cairo_matrix_invert(&inverse) != CAIRO_STATUS_SUCCESS) return;
     const auto draw = [&](cairo_t* cr) {
         const CairoPattern paint(cairo_pattern_create_for_surface(surface.get()));

@@ -7,7 +7,7 @@
 #include <bit>
 #include <cerrno>
 
-#include "imaging/codecs/metafile/byte_reader.h"
+#include "imaging/codecs/metafile/record_reader.h"
 
 namespace lumo::imaging::codecs::metafile {
 namespace {
@@ -16,23 +16,40 @@ constexpr char32_t kUnknown = 0xFFFD;
 
 const char* NameOf(std::uint8_t charset) {
     switch (charset) {
-        case 77: return "MACINTOSH";
-        case 128: return "CP932";
-        case 129: return "CP949";
-        case 130: return "JOHAB";
-        case 134: return "CP936";
-        case 136: return "CP950";
-        case 161: return "CP1253";
-        case 162: return "CP1254";
-        case 163: return "CP1258";
-        case 177: return "CP1255";
-        case 178: return "CP1256";
-        case 186: return "CP1257";
-        case 204: return "CP1251";
-        case 222: return "CP874";
-        case 238: return "CP1250";
-        case 255: return "CP437";
-        default: return nullptr;  // Western European
+        case 77:
+            return "MACINTOSH";
+        case 128:
+            return "CP932";
+        case 129:
+            return "CP949";
+        case 130:
+            return "JOHAB";
+        case 134:
+            return "CP936";
+        case 136:
+            return "CP950";
+        case 161:
+            return "CP1253";
+        case 162:
+            return "CP1254";
+        case 163:
+            return "CP1258";
+        case 177:
+            return "CP1255";
+        case 178:
+            return "CP1256";
+        case 186:
+            return "CP1257";
+        case 204:
+            return "CP1251";
+        case 222:
+            return "CP874";
+        case 238:
+            return "CP1250";
+        case 255:
+            return "CP437";
+        default:
+            return nullptr;  // Western European
     }
 }
 
@@ -104,7 +121,7 @@ std::vector<Character> DecodeBytes(ByteView bytes, std::uint8_t charset) {
 
 std::vector<Character> DecodeUtf16(ByteView bytes) {
     std::vector<Character> text;
-    ByteReader reader(bytes);
+    RecordReader reader(bytes);
     while (reader.Left() >= 2) {
         const char32_t unit = reader.U16();
         const bool high = unit >= 0xD800 && unit < 0xDC00;

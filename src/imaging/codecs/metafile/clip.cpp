@@ -20,11 +20,20 @@ std::uint8_t CombineAmounts(ClipMode mode, unsigned a, unsigned b) {
     const auto product = [](unsigned x, unsigned y) { return (x * y + 127) / 255; };
     unsigned value = b;
     switch (mode) {
-        case ClipMode::And: value = product(a, b); break;
-        case ClipMode::Or: value = 255 - product(255 - a, 255 - b); break;
-        case ClipMode::Xor: value = product(a, 255 - b) + product(255 - a, b); break;
-        case ClipMode::Diff: value = product(a, 255 - b); break;
-        case ClipMode::Copy: break;
+        case ClipMode::And:
+            value = product(a, b);
+            break;
+        case ClipMode::Or:
+            value = 255 - product(255 - a, 255 - b);
+            break;
+        case ClipMode::Xor:
+            value = product(a, 255 - b) + product(255 - a, b);
+            break;
+        case ClipMode::Diff:
+            value = product(a, 255 - b);
+            break;
+        case ClipMode::Copy:
+            break;
     }
     return static_cast<std::uint8_t>(std::min(value, 255U));
 }
@@ -54,9 +63,9 @@ Rect Union(Rect a, Rect b) {
 }
 
 Rect OuterPixels(Box box, Rect limits) {
-    return ToRect({std::floor(box.left), std::floor(box.top), std::ceil(box.right),
-                   std::ceil(box.bottom)},
-                  limits);
+    return ToRect(
+        {std::floor(box.left), std::floor(box.top), std::ceil(box.right), std::ceil(box.bottom)},
+        limits);
 }
 
 Box SnapToPixels(Box box) {
@@ -81,10 +90,12 @@ std::optional<Box> AsBox(const Path& path) {
         return std::nullopt;
     for (std::size_t i = 1; i < p.size(); ++i)
         if (verbs[i] != Path::Verb::Line) return std::nullopt;
-    if (verbs.size() > p.size() && (verbs.size() > p.size() + 1 || verbs.back() != Path::Verb::Close))
+    if (verbs.size() > p.size() &&
+        (verbs.size() > p.size() + 1 || verbs.back() != Path::Verb::Close))
         return std::nullopt;
     if (p.size() == 5 && p[4] != p[0]) return std::nullopt;
-    const bool across = p[0].y == p[1].y && p[1].x == p[2].x && p[2].y == p[3].y && p[3].x == p[0].x;
+    const bool across =
+        p[0].y == p[1].y && p[1].x == p[2].x && p[2].y == p[3].y && p[3].x == p[0].x;
     const bool down = p[0].x == p[1].x && p[1].y == p[2].y && p[2].x == p[3].x && p[3].y == p[0].y;
     if (!across && !down) return std::nullopt;
     return path.Bounds();
@@ -104,8 +115,8 @@ std::shared_ptr<Clip::Mask> Clip::MakeMask(Rect bounds) {
 std::shared_ptr<Clip::Mask> Clip::Draw(const Path& shape, FillRule rule, Rect bounds) {
     auto mask = MakeMask(bounds);
     if (!mask) return nullptr;
-    const CairoSurface surface = SurfaceOn(mask->pixels.Data(), CAIRO_FORMAT_A8, bounds.Extent(),
-                                           MaskStride(bounds));
+    const CairoSurface surface =
+        SurfaceOn(mask->pixels.Data(), CAIRO_FORMAT_A8, bounds.Extent(), MaskStride(bounds));
     const CairoContext cr(cairo_create(surface.get()));
     SetFillRule(cr.get(), rule);
     TracePath(cr.get(), shape,
@@ -133,8 +144,8 @@ void Clip::SetRectangle(Rect box) {
 
 std::size_t Clip::Change(ClipMode mode, const Path& shape, FillRule rule) {
     const auto box = AsBox(shape);
-    const Rect touched = box ? ToRect(SnapToPixels(*box), limits_)
-                             : OuterPixels(shape.Bounds(), limits_);
+    const Rect touched =
+        box ? ToRect(SnapToPixels(*box), limits_) : OuterPixels(shape.Bounds(), limits_);
     if (box && (mode == ClipMode::Copy || (mode == ClipMode::And && IsRectangle()))) {
         SetRectangle(mode == ClipMode::Copy ? touched : Intersection(box_, touched));
         return 1;
@@ -166,8 +177,8 @@ void Clip::Combine(ClipMode mode, const Clip& other, Rect bounds) {
     // Without the memory for the amounts the rectangle around them has to do.
     if (!result) return SetRectangle(bounds);
     for (int y = bounds.top; y < bounds.bottom; ++y) {
-        std::uint8_t* row = result->pixels.Data() +
-                            static_cast<std::size_t>(y - bounds.top) * MaskStride(bounds);
+        std::uint8_t* row =
+            result->pixels.Data() + static_cast<std::size_t>(y - bounds.top) * MaskStride(bounds);
         for (int x = bounds.left; x < bounds.right; ++x)
             *row++ = CombineAmounts(mode, At(x, y), other.At(x, y));
     }

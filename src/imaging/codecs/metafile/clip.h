@@ -14,7 +14,9 @@ namespace lumo::imaging::codecs::metafile {
 
 enum class FillRule : std::uint8_t { EvenOdd, Winding };
 
-constexpr bool IsEmpty(Rect r) { return r.left >= r.right || r.top >= r.bottom; }
+constexpr bool IsEmpty(Rect r) {
+    return r.left >= r.right || r.top >= r.bottom;
+}
 Rect Intersection(Rect a, Rect b);
 Rect Union(Rect a, Rect b);
 /// The whole pixels that a box touches, inside of `limits`.

@@ -11,17 +11,25 @@ constexpr std::size_t kMostSaved = 128;  // states; each may hold a clip as larg
 // Points beyond this are as far away as any picture needs, and distances to them stay finite.
 constexpr double kFarthest = 1'000'000;
 
-double Tame(double v) { return std::isnan(v) ? 0 : std::clamp(v, -kFarthest, kFarthest); }
+double Tame(double v) {
+    return std::isnan(v) ? 0 : std::clamp(v, -kFarthest, kFarthest);
+}
 
 // Millimetres of a unit of the metric modes.
 double MillimetresOf(MapMode mode) {
     switch (mode) {
-        case MapMode::LoMetric: return 0.1;
-        case MapMode::HiMetric: return 0.01;
-        case MapMode::LoEnglish: return 0.254;
-        case MapMode::HiEnglish: return 0.0254;
-        case MapMode::Twips: return 25.4 / 1440;
-        default: return 1;
+        case MapMode::LoMetric:
+            return 0.1;
+        case MapMode::HiMetric:
+            return 0.01;
+        case MapMode::LoEnglish:
+            return 0.254;
+        case MapMode::HiEnglish:
+            return 0.0254;
+        case MapMode::Twips:
+            return 25.4 / 1440;
+        default:
+            return 1;
     }
 }
 
@@ -110,7 +118,8 @@ Transform DeviceContext::PageToDevice() const {
         return window == 0 ? 1.0 : viewport / window;
     };
     switch (m.mode) {
-        case MapMode::Text: break;
+        case MapMode::Text:
+            break;
         case MapMode::Anisotropic:
         case MapMode::Isotropic:
             sx = ratio(m.viewportExtent.x, m.windowExtent.x);
@@ -125,7 +134,11 @@ Transform DeviceContext::PageToDevice() const {
             sx = MillimetresOf(m.mode) * unitsPerMillimetre_.x;
             sy = -MillimetresOf(m.mode) * unitsPerMillimetre_.y;
     }
-    return {sx, 0, 0, sy, m.viewportOrigin.x - m.windowOrigin.x * sx,
+    return {sx,
+            0,
+            0,
+            sy,
+            m.viewportOrigin.x - m.windowOrigin.x * sx,
             m.viewportOrigin.y - m.windowOrigin.y * sy};
 }
 

@@ -73,10 +73,10 @@ struct DrawingState {
 };
 
 struct TextCall {
-    std::string text;             // UTF-8
-    std::vector<double> advances; // logical units for each code point; fewer or none: the font's
+    std::string text;              // UTF-8
+    std::vector<double> advances;  // logical units for each code point; fewer or none: the font's
     Point at;
-    std::optional<Box> box;       // filled or clipped to, as the next two say
+    std::optional<Box> box;  // filled or clipped to, as the next two say
     bool fillBox = false;
     bool clipToBox = false;
     bool turnsWithWorld = false;  // mirrored and sheared by the world transform too

@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "imaging/codecs/decoders.h"
-#include "imaging/codecs/metafile/byte_reader.h"
+#include "imaging/codecs/metafile/record_reader.h"
 
 namespace lumo::imaging::codecs::metafile {
 namespace {
@@ -43,7 +43,7 @@ std::vector<std::uint32_t> ReadTable(const DibHeader& header, ByteView info, Col
     // Indices beyond the table are black.
     std::vector<std::uint32_t> colours(256, 0xFF000000U);
     if (header.bits > 8) return colours;
-    ByteReader reader(info);
+    RecordReader reader(info);
     reader.Skip(header.headerSize);
     for (std::size_t i = 0; i < std::min<std::size_t>(header.tableColours, 256); ++i) {
         if (reader.Left() < header.tableEntrySize) break;
@@ -113,7 +113,7 @@ void DecodePlain(const DibHeader& header, ByteView bits, const std::vector<std::
 // between two colours.
 void DecodeRuns(const DibHeader& header, ByteView bits, const std::vector<std::uint32_t>& colours,
                 Bitmap& bitmap) {
-    ByteReader reader(bits);
+    RecordReader reader(bits);
     std::int64_t x = 0, row = 0;
     const auto put = [&](unsigned index) {
         if (x < header.width && row < header.height)
@@ -160,7 +160,7 @@ std::optional<Bitmap> FromImage(const Result<Decoded>& decoded) {
     return bitmap;
 }
 
-bool ReadCore(ByteReader& reader, DibHeader& header) {
+bool ReadCore(RecordReader& reader, DibHeader& header) {
     header.headerSize = 12;
     header.tableEntrySize = 3;
     header.width = reader.U16();
@@ -171,7 +171,7 @@ bool ReadCore(ByteReader& reader, DibHeader& header) {
     return reader.IsGood();
 }
 
-bool ReadInfo(ByteReader& reader, std::uint32_t size, DibHeader& header) {
+bool ReadInfo(RecordReader& reader, std::uint32_t size, DibHeader& header) {
     header.headerSize = size;
     header.width = reader.I32();
     const std::int64_t height = reader.I32();
@@ -207,19 +207,24 @@ bool IsKnown(const DibHeader& header) {
         case kRgb:
             return header.bits == 1 || header.bits == 4 || header.bits == 8 || header.bits == 16 ||
                    header.bits == 24 || header.bits == 32;
-        case kRle8: return header.bits == 8;
-        case kRle4: return header.bits == 4;
-        case kBitFields: return header.bits == 16 || header.bits == 32;
+        case kRle8:
+            return header.bits == 8;
+        case kRle4:
+            return header.bits == 4;
+        case kBitFields:
+            return header.bits == 16 || header.bits == 32;
         case kJpeg:
-        case kPng: return true;
-        default: return false;
+        case kPng:
+            return true;
+        default:
+            return false;
     }
 }
 
 }  // namespace
 
 std::optional<DibHeader> ReadDibHeader(ByteView info, ColourTable table) {
-    ByteReader reader(info);
+    RecordReader reader(info);
     DibHeader header;
     const std::uint32_t size = reader.U32();
     if (size == 12) {
@@ -247,8 +252,9 @@ std::optional<Bitmap> DecodeDib(ByteView info, ByteView bits, ColourTable table,
     // A header may state any size: memory is taken only for what the file can hold.
     const bool runs = header->compression == kRle4 || header->compression == kRle8;
     const std::size_t area = Size{header->width, header->height}.Area();
-    const std::size_t wanted = runs ? area / 4096
-                                    : header->Stride() * static_cast<std::size_t>(std::max(1, header->height / 4));
+    const std::size_t wanted =
+        runs ? area / 4096
+             : header->Stride() * static_cast<std::size_t>(std::max(1, header->height / 4));
     if (bits.size() < wanted) return std::nullopt;
 
     Bitmap bitmap;
@@ -266,8 +272,8 @@ std::optional<Bitmap> DecodeDib(ByteView info, ByteView bits, ColourTable table,
     return bitmap;
 }
 
-std::optional<Bitmap> DecodePackedDib(ByteView dib, ColourTable table,
-                                      std::span<const Rgb> palette, const DecodeOptions& options) {
+std::optional<Bitmap> DecodePackedDib(ByteView dib, ColourTable table, std::span<const Rgb> palette,
+                                      const DecodeOptions& options) {
     const auto header = ReadDibHeader(dib, table);
     if (!header || header->BitsOffset() > dib.size()) return std::nullopt;
     return DecodeDib(dib, dib.subspan(header->BitsOffset()), table, palette, options);

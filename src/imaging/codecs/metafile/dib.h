@@ -49,9 +49,9 @@ struct DibHeader {
     bool bottomUp = true;
     int bits = 0;
     std::uint32_t compression = 0;
-    std::size_t headerSize = 0;     // with the bit masks behind it
-    std::size_t tableColours = 0;   // entries of the colour table
-    std::size_t tableEntrySize = 4;  // bytes
+    std::size_t headerSize = 0;            // with the bit masks behind it
+    std::size_t tableColours = 0;          // entries of the colour table
+    std::size_t tableEntrySize = 4;        // bytes
     std::array<std::uint32_t, 3> masks{};  // red, green, blue, of 16 and 32 bits
 
     /// Where the rows begin when they follow the table at once.
@@ -72,7 +72,7 @@ std::optional<Bitmap> DecodeDib(ByteView info, ByteView bits, ColourTable table,
                                 std::span<const Rgb> palette, const DecodeOptions& options);
 
 /// The same for a header, a table and rows in one run of bytes.
-std::optional<Bitmap> DecodePackedDib(ByteView dib, ColourTable table,
-                                      std::span<const Rgb> palette, const DecodeOptions& options);
+std::optional<Bitmap> DecodePackedDib(ByteView dib, ColourTable table, std::span<const Rgb> palette,
+                                      const DecodeOptions& options);
 
 }  // namespace lumo::imaging::codecs::metafile

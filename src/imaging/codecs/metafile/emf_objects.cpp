@@ -10,25 +10,24 @@ namespace lumo::imaging::codecs::metafile {
 namespace {
 constexpr std::uint32_t kGeometric = 0x00010000;
 constexpr std::uint32_t kNullBrush = 1;
-constexpr std::uint32_t kHatchedBrush = 2;
 }  // namespace
 
-Point ReadPoint(ByteReader& record) {
+Point ReadPoint(RecordReader& record) {
     const double x = record.I32(), y = record.I32();
     return {x, y};
 }
 
-Point ReadPoint16(ByteReader& record) {
+Point ReadPoint16(RecordReader& record) {
     const double x = record.I16(), y = record.I16();
     return {x, y};
 }
 
-Box ReadEmfBox(ByteReader& record) {
+Box ReadEmfBox(RecordReader& record) {
     const Point from = ReadPoint(record), to = ReadPoint(record);
     return {from.x, from.y, to.x, to.y};
 }
 
-Transform ReadTransform(ByteReader& record) {
+Transform ReadTransform(RecordReader& record) {
     Transform t;
     t.xx = record.F32();
     t.yx = record.F32();
@@ -39,7 +38,7 @@ Transform ReadTransform(ByteReader& record) {
     return t;
 }
 
-Object ReadEmfPen(ByteReader record) {
+Object ReadEmfPen(RecordReader record) {
     const std::uint32_t style = record.U32();
     const double width = record.I32();
     record.Skip(4);
@@ -48,7 +47,7 @@ Object ReadEmfPen(ByteReader record) {
     return PenOfStyle(style, width, colour);
 }
 
-Object ReadEmfExtPen(ByteReader record) {
+Object ReadEmfExtPen(RecordReader record) {
     record.Skip(16);  // a bitmap for pens that draw with one
     const std::uint32_t style = record.U32();
     const double width = record.U32();
@@ -68,100 +67,90 @@ Object ReadEmfExtPen(ByteReader record) {
     return pen;
 }
 
-Object ReadEmfBrush(ByteReader record) {
+Object ReadEmfBrush(RecordReader record) {
     const std::uint32_t style = record.U32();
     Brush brush;
     brush.colour = record.U32();
     brush.hatch = record.U32();
     if (!record.IsGood()) return {};
-    if (style == kNullBrush) brush.kind = Brush::Kind::None;
-    if (style == kHatchedBrush && brush.hatch <= 5) brush.kind = Brush::Kind::Hatch;
-    return brush;
+    return BrushOfStyle(style, brush);
 }
 
-Object ReadEmfFont(ByteReader record) {
+Object ReadEmfFont(RecordReader record) {
     Font font;
     font.height = record.I32();
     font.width = record.I32();
     font.escapement = record.I32();
     record.Skip(4);
     font.weight = record.I32();
-    font.italic = record.U8() != 0;
-    font.underline = record.U8() != 0;
-    font.strikeOut = record.U8() != 0;
-    font.charset = record.U8();
-    record.Skip(3);
-    font.pitchAndFamily = record.U8();
+    ReadFontStyle(record, font);
     if (!record.IsGood()) return {};
     for (const Character& c : DecodeUtf16(record.Take(std::min<std::size_t>(64, record.Left())))) {
         if (c.code == 0) break;
         AppendUtf8(font.face, c.code);
     }
-    if (font.weight == 0) font.weight = 400;
     return font;
 }
 
-Object ReadEmfPalette(ByteReader record) {
+Object ReadEmfPalette(RecordReader record) {
     record.Skip(2);
     const std::size_t count = record.U16();
-    Palette palette;
-    while (palette.colours.size() < count && record.Left() >= 4) {
-        const std::uint8_t red = record.U8(), green = record.U8(), blue = record.U8();
-        record.Skip(1);
-        palette.colours.push_back({red, green, blue});
-    }
-    return palette;
+    return Palette{ReadColours(record, std::min(count, record.Left() / 4))};
 }
 
-Object ReadEmfPatternBrush(ByteReader record, std::span<const Rgb> palette, bool monochrome,
+Object ReadEmfPatternBrush(RecordReader record, std::span<const Rgb> palette, bool monochrome,
                            const DecodeOptions& options) {
     const auto table = static_cast<ColourTable>(record.U32() & 1);
     const EmfBitmapPlace place = ReadBitmapPlace(record);
-    auto bitmap = ReadBitmap(record, place, table, palette, options);
-    Brush brush;
-    // A brush whose bitmap cannot be read leaves areas as they are.
-    brush.kind = bitmap ? Brush::Kind::Pattern : Brush::Kind::None;
-    if (bitmap) {
-        for (std::uint32_t& pixel : bitmap->pixels) pixel |= 0xFF000000U;
-        brush.inTextColours = monochrome && bitmap->monochrome;
-        brush.pattern = std::make_shared<const Bitmap>(std::move(*bitmap));
-    }
-    return brush;
+    return PatternBrush(ReadBitmap(record, place, table, palette, options), monochrome);
 }
 
 Object StockObject(std::uint32_t number) {
     const auto brush = [](ColourRef colour) { return Brush{.colour = colour}; };
-    const auto pen = [](ColourRef colour) {
-        return Pen{.geometric = false, .colour = colour};
-    };
+    const auto pen = [](ColourRef colour) { return Pen{.geometric = false, .colour = colour}; };
     const auto font = [](const char* face, std::uint8_t pitch) {
         return Font{.pitchAndFamily = pitch, .face = face};
     };
     switch (number) {
-        case 0: return brush(0xFFFFFF);
-        case 1: return brush(0xC0C0C0);
-        case 2: return brush(0x808080);
-        case 3: return brush(0x404040);
-        case 4: return brush(0x000000);
-        case 5: return Brush{.kind = Brush::Kind::None};
-        case 6: return pen(0xFFFFFF);
-        case 7: return pen(0x000000);
-        case 8: return Pen{.line = Pen::None};
+        case 0:
+            return brush(0xFFFFFF);
+        case 1:
+            return brush(0xC0C0C0);
+        case 2:
+            return brush(0x808080);
+        case 3:
+            return brush(0x404040);
+        case 4:
+            return brush(0x000000);
+        case 5:
+            return Brush{.kind = Brush::Kind::None};
+        case 6:
+            return pen(0xFFFFFF);
+        case 7:
+            return pen(0x000000);
+        case 8:
+            return Pen{.line = Pen::None};
         case 10:
         case 11:
-        case 16: return font("Courier New", 0x31);
+        case 16:
+            return font("Courier New", 0x31);
         case 12:
         case 13:
         case 14:
-        case 17: return font("Arial", 0x22);
-        case 15: return Palette{};
-        case 18: return brush(0xFFFFFF);
-        case 19: return pen(0x000000);
-        default: return {};
+        case 17:
+            return font("Arial", 0x22);
+        case 15:
+            return Palette{};
+        case 18:
+            return brush(0xFFFFFF);
+        case 19:
+            return pen(0x000000);
+        default:
+            return {};
     }
 }
 
-EmfBitmapPlace ReadBitmapPlace(ByteReader& record) {
+EmfBitmapPlace ReadBitmapPlace(RecordReader& record) {
     EmfBitmapPlace place;
     place.infoAt = record.U32();
     place.infoSize = record.U32();
@@ -170,18 +159,20 @@ EmfBitmapPlace ReadBitmapPlace(ByteReader& record) {
     return place;
 }
 
-std::optional<Bitmap> ReadBitmap(const ByteReader& record, const EmfBitmapPlace& place,
+std::optional<Bitmap> ReadBitmap(const RecordReader& record, const EmfBitmapPlace& place,
                                  ColourTable table, std::span<const Rgb> palette,
                                  const DecodeOptions& options) {
     const ByteView all = record.All();
     if (place.IsEmpty() || place.infoAt > all.size() || place.bitsAt > all.size())
         return std::nullopt;
-    const ByteView info = all.subspan(place.infoAt, std::min(place.infoSize, all.size() - place.infoAt));
-    const ByteView bits = all.subspan(place.bitsAt, std::min(place.bitsSize, all.size() - place.bitsAt));
+    const ByteView info =
+        all.subspan(place.infoAt, std::min(place.infoSize, all.size() - place.infoAt));
+    const ByteView bits =
+        all.subspan(place.bitsAt, std::min(place.bitsSize, all.size() - place.bitsAt));
     return DecodeDib(info, bits, table, palette, options);
 }
 
-Region ReadEmfRegion(ByteReader& record) {
+Region ReadEmfRegion(RecordReader& record) {
     const std::size_t header = record.U32();
     record.Skip(4);
     const std::size_t count = record.U32();

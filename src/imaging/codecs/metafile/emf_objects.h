@@ -5,18 +5,18 @@
 
 #include <optional>
 
-#include "imaging/codecs/metafile/byte_reader.h"
 #include "imaging/codecs/metafile/device_context.h"
+#include "imaging/codecs/metafile/record_reader.h"
 
 namespace lumo::imaging::codecs::metafile {
 
 // Each gives an empty object if the record is too short.
-Object ReadEmfPen(ByteReader record);
-Object ReadEmfExtPen(ByteReader record);
-Object ReadEmfBrush(ByteReader record);
-Object ReadEmfFont(ByteReader record);
-Object ReadEmfPalette(ByteReader record);
-Object ReadEmfPatternBrush(ByteReader record, std::span<const Rgb> palette, bool monochrome,
+Object ReadEmfPen(RecordReader record);
+Object ReadEmfExtPen(RecordReader record);
+Object ReadEmfBrush(RecordReader record);
+Object ReadEmfFont(RecordReader record);
+Object ReadEmfPalette(RecordReader record);
+Object ReadEmfPatternBrush(RecordReader record, std::span<const Rgb> palette, bool monochrome,
                            const DecodeOptions& options);
 
 /// The object that the system keeps under a number of its own, without the high bit.
@@ -27,17 +27,17 @@ struct EmfBitmapPlace {
     std::size_t infoAt = 0, infoSize = 0, bitsAt = 0, bitsSize = 0;
     bool IsEmpty() const { return infoSize == 0 || bitsSize == 0; }
 };
-EmfBitmapPlace ReadBitmapPlace(ByteReader& record);
-std::optional<Bitmap> ReadBitmap(const ByteReader& record, const EmfBitmapPlace& place,
+EmfBitmapPlace ReadBitmapPlace(RecordReader& record);
+std::optional<Bitmap> ReadBitmap(const RecordReader& record, const EmfBitmapPlace& place,
                                  ColourTable table, std::span<const Rgb> palette,
                                  const DecodeOptions& options);
 
 /// Boxes of a region, with their header.
-Region ReadEmfRegion(ByteReader& record);
+Region ReadEmfRegion(RecordReader& record);
 
-Point ReadPoint(ByteReader& record);
-Point ReadPoint16(ByteReader& record);
-Box ReadEmfBox(ByteReader& record);
-Transform ReadTransform(ByteReader& record);
+Point ReadPoint(RecordReader& record);
+Point ReadPoint16(RecordReader& record);
+Box ReadEmfBox(RecordReader& record);
+Transform ReadTransform(RecordReader& record);
 
 }  // namespace lumo::imaging::codecs::metafile

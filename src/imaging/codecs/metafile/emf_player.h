@@ -11,10 +11,10 @@ namespace lumo::imaging::codecs::metafile {
 
 struct EmfFile {
     ByteView bytes;
-    Box bounds;            // of the drawing, in pixels of its device; the far sides exclusive
-    Box frame;             // of the picture, in hundredths of a millimetre
+    Box bounds;                 // of the drawing, in pixels of its device; the far sides exclusive
+    Box frame;                  // of the picture, in hundredths of a millimetre
     Point pixelsPerMillimetre;  // of the device
-    Box area;              // what a picture shows, in pixels of the device
+    Box area;                   // what a picture shows, in pixels of the device
 
     /// Sets `area` to the frame, or to the bounds if the frame is empty or holds next to nothing of
     /// them.
@@ -31,7 +31,7 @@ std::optional<EmfFile> OpenEmf(ByteView bytes);
 
 /// What playing a file showed about it.
 struct EmfOutcome {
-    bool complete = true;      // its last record was there
+    bool complete = true;         // its last record was there
     bool hasPlusRecords = false;  // comments hold records of the later kind, which are left alone
 };
 

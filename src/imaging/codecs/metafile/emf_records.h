@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "imaging/codecs/metafile/byte_reader.h"
+#include "imaging/codecs/metafile/record_reader.h"
 
 namespace lumo::imaging::codecs::metafile {
 
@@ -113,7 +113,7 @@ enum class EmfType : std::uint32_t {
 /// length makes no sense.
 template <class Use>
 bool ForEachEmfRecord(ByteView file, Use use) {
-    ByteReader reader(file);
+    RecordReader reader(file);
     while (reader.Left() >= 8) {
         const std::size_t start = reader.Position();
         const auto type = static_cast<EmfType>(reader.U32());

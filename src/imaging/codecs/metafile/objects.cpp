@@ -21,6 +21,45 @@ Pen PenOfStyle(std::uint32_t style, double width, ColourRef colour) {
     return pen;
 }
 
+Brush BrushOfStyle(std::uint32_t style, Brush brush) {
+    constexpr std::uint32_t kNull = 1, kHatched = 2;
+    if (style == kNull) brush.kind = Brush::Kind::None;
+    if (style == kHatched && brush.hatch <= 5) brush.kind = Brush::Kind::Hatch;
+    return brush;
+}
+
+Brush PatternBrush(std::optional<Bitmap> bitmap, bool inTextColours) {
+    Brush brush;
+    // A brush whose bitmap cannot be read leaves areas as they are.
+    brush.kind = bitmap ? Brush::Kind::Pattern : Brush::Kind::None;
+    if (bitmap) {
+        for (std::uint32_t& pixel : bitmap->pixels) pixel |= 0xFF000000U;
+        brush.inTextColours = inTextColours && bitmap->monochrome;
+        brush.pattern = std::make_shared<const Bitmap>(std::move(*bitmap));
+    }
+    return brush;
+}
+
+void ReadFontStyle(RecordReader& record, Font& font) {
+    font.italic = record.U8() != 0;
+    font.underline = record.U8() != 0;
+    font.strikeOut = record.U8() != 0;
+    font.charset = record.U8();
+    record.Skip(3);
+    font.pitchAndFamily = record.U8();
+    if (font.weight == 0) font.weight = 400;
+}
+
+std::vector<Rgb> ReadColours(RecordReader& record, std::size_t count) {
+    std::vector<Rgb> colours;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint8_t red = record.U8(), green = record.U8(), blue = record.U8();
+        record.Skip(1);
+        colours.push_back({red, green, blue});
+    }
+    return colours;
+}
+
 void ObjectTable::Add(Object object) {
     while (firstFree_ < slots_.size() && slots_[firstFree_]) ++firstFree_;
     Set(firstFree_, std::move(object));

@@ -4,12 +4,14 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
 #include "imaging/codecs/metafile/dib.h"
 #include "imaging/codecs/metafile/path.h"
+#include "imaging/codecs/metafile/record_reader.h"
 
 namespace lumo::imaging::codecs::metafile {
 
@@ -35,11 +37,11 @@ struct Pen {
     Line line = Solid;
     Cap cap = Cap::Round;
     Join join = Join::Round;
-    bool geometric = true;        // the width is in logical units, else in pixels
-    bool extended = false;        // gaps of dashes are never filled
-    double width = 0;             // 0: one pixel
+    bool geometric = true;  // the width is in logical units, else in pixels
+    bool extended = false;  // gaps of dashes are never filled
+    double width = 0;       // 0: one pixel
     ColourRef colour = 0;
-    std::vector<double> dashes;   // of Custom
+    std::vector<double> dashes;  // of Custom
 };
 
 /// The pen that the low bits of a style word describe.
@@ -51,25 +53,39 @@ struct Brush {
     ColourRef colour = 0xFFFFFF;
     unsigned hatch = 0;  // 0 level, 1 upright, 2 falling, 3 rising, 4 cross, 5 slanted cross
     std::shared_ptr<const Bitmap> pattern;
-    bool inTextColours = false;  // black pixels of the pattern take the text colour, white the other
+    bool inTextColours =
+        false;  // black pixels of the pattern take the text colour, white the other
 };
 
+/// The brush with the kind that a style word says: none, hatched, or as it is.
+Brush BrushOfStyle(std::uint32_t style, Brush brush);
+
+/// A brush that repeats the bitmap. Without one, because it could not be read, areas stay as they
+/// are.
+Brush PatternBrush(std::optional<Bitmap> bitmap, bool inTextColours);
+
 struct Font {
-    double height = 0;         // logical units; negative: of the letters, positive: of the cell
-    double width = 0;          // average of the letters; 0: as the face has it
-    int escapement = 0;        // tenths of a degree, counter-clockwise
+    double height = 0;   // logical units; negative: of the letters, positive: of the cell
+    double width = 0;    // average of the letters; 0: as the face has it
+    int escapement = 0;  // tenths of a degree, counter-clockwise
     int weight = 400;
     bool italic = false;
     bool underline = false;
     bool strikeOut = false;
     std::uint8_t charset = 0;
     std::uint8_t pitchAndFamily = 0;
-    std::string face;          // UTF-8
+    std::string face;  // UTF-8
 };
 
 struct Palette {
     std::vector<Rgb> colours;
 };
+
+/// The bytes behind the numbers of a font record, the same in both kinds of files.
+void ReadFontStyle(RecordReader& record, Font& font);
+
+/// So many colours of four bytes each: red, green, blue, flags.
+std::vector<Rgb> ReadColours(RecordReader& record, std::size_t count);
 
 /// Boxes in logical units.
 struct Region {

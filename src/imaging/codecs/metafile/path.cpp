@@ -161,7 +161,8 @@ double Path::Length() const {
 bool Path::IsRectilinear() const {
     if (std::ranges::find(verbs_, Verb::Curve) != verbs_.end()) return false;
     bool straight = true;
-    ForEachLine(*this, [&](Point a, Point b) { straight = straight && (a.x == b.x || a.y == b.y); });
+    ForEachLine(*this,
+                [&](Point a, Point b) { straight = straight && (a.x == b.x || a.y == b.y); });
     return straight;
 }
 
@@ -170,9 +171,15 @@ void Path::Flatten() {
     std::size_t next = 0;
     for (const Verb verb : verbs_) {
         switch (verb) {
-            case Verb::Move: flat.MoveTo(points_[next++]); break;
-            case Verb::Line: flat.LineTo(points_[next++]); break;
-            case Verb::Close: flat.Close(); break;
+            case Verb::Move:
+                flat.MoveTo(points_[next++]);
+                break;
+            case Verb::Line:
+                flat.LineTo(points_[next++]);
+                break;
+            case Verb::Close:
+                flat.Close();
+                break;
             case Verb::Curve: {
                 const Point p0 = flat.Last(), p1 = points_[next], p2 = points_[next + 1],
                             p3 = points_[next + 2];

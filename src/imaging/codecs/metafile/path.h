@@ -109,7 +109,9 @@ void ForEachLine(const Path& path, Line line) {
     const auto points = path.Points();
     for (const Path::Verb verb : path.Verbs()) {
         switch (verb) {
-            case Path::Verb::Move: start = at = points[next++]; break;
+            case Path::Verb::Move:
+                start = at = points[next++];
+                break;
             case Path::Verb::Close:
                 line(at, start);
                 at = start;

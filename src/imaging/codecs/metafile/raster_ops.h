@@ -30,9 +30,15 @@ constexpr Rop3 PatternAsSource(Rop3 rop) {
     return static_cast<Rop3>(without | with << 2 | without << 4 | with << 6);
 }
 
-constexpr bool UsesPattern(Rop3 rop) { return (rop >> 4) != (rop & 15); }
-constexpr bool UsesSource(Rop3 rop) { return ((rop >> 2) & 0x33) != (rop & 0x33); }
-constexpr bool UsesDestination(Rop3 rop) { return ((rop >> 1) & 0x55) != (rop & 0x55); }
+constexpr bool UsesPattern(Rop3 rop) {
+    return (rop >> 4) != (rop & 15);
+}
+constexpr bool UsesSource(Rop3 rop) {
+    return ((rop >> 2) & 0x33) != (rop & 0x33);
+}
+constexpr bool UsesDestination(Rop3 rop) {
+    return ((rop >> 1) & 0x55) != (rop & 0x55);
+}
 /// True if the operation inverts D for some P and S: drawn twice, it restores the picture.
 constexpr bool InvertsDestination(Rop3 rop) {
     for (unsigned i = 0; i < 8; i += 2)
@@ -55,7 +61,8 @@ class BitwiseRop {
 
   private:
     // The bits of `one` where `bits` are set, else those of `other`.
-    static constexpr std::uint32_t Pick(std::uint32_t bits, std::uint32_t one, std::uint32_t other) {
+    static constexpr std::uint32_t Pick(std::uint32_t bits, std::uint32_t one,
+                                        std::uint32_t other) {
         return other ^ (bits & (one ^ other));
     }
     std::array<std::uint32_t, 8> masks_{};

@@ -15,12 +15,16 @@ std::vector<double> DashesOf(const Pen& pen, double width, double scale) {
     const bool thin = width < kThin;
     const double dash = thin ? 18 : 3 * width, dot = thin ? 3 : width, gap = thin ? 6 : width;
     switch (pen.line) {
-        case Pen::Dash: return {dash, gap};
-        case Pen::Dot: return {dot, thin ? 3 : gap};
-        case Pen::DashDot: return {thin ? 9 : dash, gap, dot, gap};
+        case Pen::Dash:
+            return {dash, gap};
+        case Pen::Dot:
+            return {dot, thin ? 3 : gap};
+        case Pen::DashDot:
+            return {thin ? 9 : dash, gap, dot, gap};
         case Pen::DashDotDot:
             return {thin ? 9 : dash, thin ? 3 : gap, dot, thin ? 3 : gap, dot, thin ? 3 : gap};
-        case Pen::Alternate: return {1, 1};
+        case Pen::Alternate:
+            return {1, 1};
         case Pen::Custom: {
             std::vector<double> dashes;
             for (const double d : pen.dashes)
@@ -30,7 +34,8 @@ std::vector<double> DashesOf(const Pen& pen, double width, double scale) {
             // Dashes too fine to be seen make a whole line.
             return sum < 0.5 || !std::isfinite(sum) ? std::vector<double>{} : dashes;
         }
-        default: return {};
+        default:
+            return {};
     }
 }
 

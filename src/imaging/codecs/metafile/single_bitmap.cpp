@@ -2,15 +2,15 @@
 
 #include <cmath>
 
-#include "imaging/codecs/metafile/byte_reader.h"
 #include "imaging/codecs/metafile/emf_objects.h"
 #include "imaging/codecs/metafile/emf_records.h"
+#include "imaging/codecs/metafile/record_reader.h"
 #include "imaging/codecs/metafile/wmf_records.h"
 
 namespace lumo::imaging::codecs::metafile {
 namespace {
 
-Point ReadYX(ByteReader& record) {
+Point ReadYX(RecordReader& record) {
     const double y = record.I16(), x = record.I16();
     return {x, y};
 }
@@ -26,10 +26,13 @@ struct WmfFacts {
     ByteView dib;
 };
 
-void Gather(WmfFacts& facts, WmfFunction function, ByteReader record) {
+void Gather(WmfFacts& facts, WmfFunction function, RecordReader record) {
     switch (function) {
-        case WmfFunction::SetMapMode: facts.other |= record.U16() != 8; break;
-        case WmfFunction::SetStretchMode: break;
+        case WmfFunction::SetMapMode:
+            facts.other |= record.U16() != 8;
+            break;
+        case WmfFunction::SetStretchMode:
+            break;
         case WmfFunction::SetWindowOrigin:
             facts.other |= facts.bitmaps > 0;
             facts.windowOrigin = ReadYX(record);
@@ -48,7 +51,8 @@ void Gather(WmfFacts& facts, WmfFunction function, ByteReader record) {
             facts.at = ReadYX(record);
             facts.dib = record.Rest();
             break;
-        default: facts.other = true;
+        default:
+            facts.other = true;
     }
 }
 
@@ -62,7 +66,7 @@ std::optional<Bitmap> SingleBitmapOf(const WmfFile& file, const DecodeOptions& o
     }
     const bool complete =
         ForEachWmfRecord(file.records, [&](WmfFunction function, ByteView parameters) {
-            Gather(facts, function, ByteReader(parameters));
+            Gather(facts, function, RecordReader(parameters));
             return !facts.other;
         });
     if (!complete || facts.other || facts.bitmaps != 1 || facts.table != ColourTable::Rgb)
@@ -94,11 +98,15 @@ std::optional<Bitmap> SingleBitmapOf(const EmfFile& file, const DecodeOptions& o
         switch (type) {
             case EmfType::Header:
             case EmfType::SetStretchMode:
-            case EmfType::SetBrushOrigin: return true;
-            case EmfType::StretchDib: break;
-            default: other = true; return false;
+            case EmfType::SetBrushOrigin:
+                return true;
+            case EmfType::StretchDib:
+                break;
+            default:
+                other = true;
+                return false;
         }
-        ByteReader record(bytes);
+        RecordReader record(bytes);
         record.Skip(24);
         const Point at = ReadPoint(record), from = ReadPoint(record), size = ReadPoint(record);
         source = {from.x, from.y, from.x + size.x, from.y + size.y};
@@ -123,7 +131,7 @@ std::optional<Bitmap> SingleBitmapOf(const EmfFile& file, const DecodeOptions& o
     corners.Map(file.Base({header->width, header->height}));
     const Box covered = corners.Bounds();
     if (covered.IsEmpty() || SnapToPixels(covered) != own) return std::nullopt;
-    return ReadBitmap(ByteReader(found), place, ColourTable::Rgb, {}, options);
+    return ReadBitmap(RecordReader(found), place, ColourTable::Rgb, {}, options);
 }
 
 std::optional<Image> ToImage(const Bitmap& bitmap) {

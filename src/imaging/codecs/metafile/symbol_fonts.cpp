@@ -77,16 +77,17 @@ constexpr std::array kFaces = {
 
 const SymbolFace* Find(std::string_view face) {
     std::string name(face);
-    std::ranges::transform(name, name.begin(), [](unsigned char c) {
-        return static_cast<char>(std::tolower(c));
-    });
+    std::ranges::transform(name, name.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     const auto found = std::ranges::find(kFaces, name, &SymbolFace::name);
     return found == kFaces.end() ? nullptr : &*found;
 }
 
 }  // namespace
 
-bool IsSymbolFace(std::string_view face) { return Find(face) != nullptr; }
+bool IsSymbolFace(std::string_view face) {
+    return Find(face) != nullptr;
+}
 
 char32_t SymbolToUnicode(std::string_view face, char32_t code) {
     const SymbolFace* symbols = Find(face);

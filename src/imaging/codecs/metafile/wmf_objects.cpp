@@ -7,23 +7,11 @@
 namespace lumo::imaging::codecs::metafile {
 namespace {
 
-enum BrushStyle : std::uint16_t { kSolid = 0, kNull = 1, kHatched = 2, kPattern = 3 };
-
-Brush PatternBrush(std::optional<Bitmap> bitmap, bool inTextColours) {
-    Brush brush;
-    // A brush whose bitmap cannot be read leaves areas as they are.
-    brush.kind = bitmap ? Brush::Kind::Pattern : Brush::Kind::None;
-    if (bitmap) {
-        for (std::uint32_t& pixel : bitmap->pixels) pixel |= 0xFF000000U;
-        brush.inTextColours = inTextColours && bitmap->monochrome;
-        brush.pattern = std::make_shared<const Bitmap>(std::move(*bitmap));
-    }
-    return brush;
-}
+constexpr std::uint32_t kPatternStyle = 3;
 
 }  // namespace
 
-Object ReadWmfPen(ByteReader record) {
+Object ReadWmfPen(RecordReader record) {
     const std::uint16_t style = record.U16();
     const double width = record.I16();
     record.Skip(2);
@@ -32,53 +20,39 @@ Object ReadWmfPen(ByteReader record) {
     return PenOfStyle(style, width, colour);
 }
 
-Object ReadWmfBrush(ByteReader record) {
+Object ReadWmfBrush(RecordReader record) {
     const std::uint16_t style = record.U16();
     Brush brush;
     brush.colour = record.U32();
     brush.hatch = record.U16();
     if (!record.IsGood()) return {};
-    if (style == kNull) brush.kind = Brush::Kind::None;
-    if (style == kHatched && brush.hatch <= 5) brush.kind = Brush::Kind::Hatch;
-    return brush;
+    return BrushOfStyle(style, brush);
 }
 
-Object ReadWmfFont(ByteReader record) {
+Object ReadWmfFont(RecordReader record) {
     Font font;
     font.height = record.I16();
     font.width = record.I16();
     font.escapement = record.I16();
     record.Skip(2);
     font.weight = record.I16();
-    font.italic = record.U8() != 0;
-    font.underline = record.U8() != 0;
-    font.strikeOut = record.U8() != 0;
-    font.charset = record.U8();
-    record.Skip(3);
-    font.pitchAndFamily = record.U8();
+    ReadFontStyle(record, font);
     if (!record.IsGood()) return {};
     ByteView face = record.Take(std::min<std::size_t>(32, record.Left()));
     face = face.first(static_cast<std::size_t>(std::ranges::find(face, 0) - face.begin()));
     // The name itself is seldom in the alphabet of a symbol font.
     const std::uint8_t charset = font.charset == kSymbolCharset ? 0 : font.charset;
     for (const Character& c : DecodeBytes(face, charset)) AppendUtf8(font.face, c.code);
-    if (font.weight == 0) font.weight = 400;
     return font;
 }
 
-std::vector<Rgb> ReadWmfColours(ByteReader& record, std::size_t& first) {
+std::vector<Rgb> ReadWmfColours(RecordReader& record, std::size_t& first) {
     first = record.U16();
     const std::size_t count = std::min<std::size_t>(record.U16(), record.Left() / 4);
-    std::vector<Rgb> colours;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::uint8_t red = record.U8(), green = record.U8(), blue = record.U8();
-        record.Skip(1);
-        colours.push_back({red, green, blue});
-    }
-    return colours;
+    return ReadColours(record, count);
 }
 
-Object ReadWmfPalette(ByteReader record) {
+Object ReadWmfPalette(RecordReader record) {
     std::size_t version = 0;
     Palette palette;
     palette.colours = ReadWmfColours(record, version);
@@ -86,7 +60,7 @@ Object ReadWmfPalette(ByteReader record) {
     return palette;
 }
 
-Object ReadWmfRegion(ByteReader record) {
+Object ReadWmfRegion(RecordReader record) {
     record.Skip(10);
     const std::size_t scans = record.U16();
     record.Skip(10);  // longest scan, bounds
@@ -104,19 +78,20 @@ Object ReadWmfRegion(ByteReader record) {
     return region;
 }
 
-Object ReadWmfDibBrush(ByteReader record, std::span<const Rgb> palette,
+Object ReadWmfDibBrush(RecordReader record, std::span<const Rgb> palette,
                        const DecodeOptions& options) {
     const std::uint16_t style = record.U16();
     const auto table = static_cast<ColourTable>(record.U16() & 1);
-    return PatternBrush(DecodePackedDib(record.Rest(), table, palette, options), style == kPattern);
+    return PatternBrush(DecodePackedDib(record.Rest(), table, palette, options),
+                        style == kPatternStyle);
 }
 
-Object ReadWmfPatternBrush(ByteReader record) {
+Object ReadWmfPatternBrush(RecordReader record) {
     // The header ends with four bytes for an address and 18 more that say nothing.
     return PatternBrush(ReadDeviceBitmap(record, 22), true);
 }
 
-std::optional<Bitmap> ReadDeviceBitmap(ByteReader& record, std::size_t skip) {
+std::optional<Bitmap> ReadDeviceBitmap(RecordReader& record, std::size_t skip) {
     record.Skip(2);
     Bitmap bitmap;
     bitmap.size.width = record.I16();

@@ -14,18 +14,18 @@ namespace {
 constexpr double kScreenDotsPerInch = 96;
 constexpr std::uint32_t kPlaceableKey = 0x9AC6CDD7;
 
-Point ReadYX(ByteReader& record) {
+Point ReadYX(RecordReader& record) {
     const double y = record.I16(), x = record.I16();
     return {x, y};
 }
 
 // Bottom, right, top, left.
-Box ReadBox(ByteReader& record) {
+Box ReadBox(RecordReader& record) {
     const Point low = ReadYX(record), high = ReadYX(record);
     return {high.x, high.y, low.x, low.y};
 }
 
-std::vector<Point> ReadPoints(ByteReader& record, std::size_t count) {
+std::vector<Point> ReadPoints(RecordReader& record, std::size_t count) {
     std::vector<Point> points;
     points.reserve(std::min(count, record.Left() / 4));
     while (points.size() < count && record.Left() >= 4) {
@@ -42,22 +42,22 @@ class Player {
     bool Play();
 
   private:
-    void Handle(WmfFunction function, ByteReader record);
-    bool HandleState(WmfFunction function, ByteReader& record);
-    bool HandleMapping(WmfFunction function, ByteReader& record);
-    bool HandleObjects(WmfFunction function, ByteReader& record);
-    bool HandleShapes(WmfFunction function, ByteReader& record);
-    bool HandleRegions(WmfFunction function, ByteReader& record);
-    bool HandleBitmaps(WmfFunction function, ByteReader& record);
+    void Handle(WmfFunction function, RecordReader record);
+    bool HandleState(WmfFunction function, RecordReader& record);
+    bool HandleMapping(WmfFunction function, RecordReader& record);
+    bool HandleObjects(WmfFunction function, RecordReader& record);
+    bool HandleShapes(WmfFunction function, RecordReader& record);
+    bool HandleRegions(WmfFunction function, RecordReader& record);
+    bool HandleBitmaps(WmfFunction function, RecordReader& record);
 
     void SetMapMode(int mode);
     void ViewportChanged();
-    void PolyPolygon(ByteReader& record);
-    void TextOut(ByteReader& record);
-    void ExtTextOut(ByteReader& record);
-    void BitBlit(WmfFunction function, ByteReader& record);
-    void StretchDib(ByteReader& record);
-    void SetDibToDevice(ByteReader& record);
+    void PolyPolygon(RecordReader& record);
+    void TextOut(RecordReader& record);
+    void ExtTextOut(RecordReader& record);
+    void BitBlit(WmfFunction function, RecordReader& record);
+    void StretchDib(RecordReader& record);
+    void SetDibToDevice(RecordReader& record);
     template <class Kind>
     const Kind* ObjectAt(std::size_t index, ObjectHandle& keep) const;
 
@@ -91,12 +91,12 @@ Player::Player(const WmfFile& file, Canvas& canvas, Size target, const Transform
 
 bool Player::Play() {
     return ForEachWmfRecord(file_.records, [&](WmfFunction function, ByteView parameters) {
-        Handle(function, ByteReader(parameters));
+        Handle(function, RecordReader(parameters));
         return !canvas_.IsExhausted();
     });
 }
 
-void Player::Handle(WmfFunction function, ByteReader record) {
+void Player::Handle(WmfFunction function, RecordReader record) {
     if (HandleState(function, record) || HandleMapping(function, record) ||
         HandleObjects(function, record))
         return;
@@ -105,28 +105,48 @@ void Player::Handle(WmfFunction function, ByteReader record) {
     HandleBitmaps(function, record);  // what is left is unknown, and skipped
 }
 
-bool Player::HandleState(WmfFunction function, ByteReader& record) {
+bool Player::HandleState(WmfFunction function, RecordReader& record) {
     DrawingState& state = dc_.State();
     switch (function) {
-        case WmfFunction::SaveState: dc_.Save(); return true;
-        case WmfFunction::RestoreState: dc_.Restore(record.I16()); return true;
-        case WmfFunction::SetBackMode: state.opaqueBack = record.U16() != 1; return true;
-        case WmfFunction::SetDrawMode: state.drawMode = record.U16(); return true;
+        case WmfFunction::SaveState:
+            dc_.Save();
+            return true;
+        case WmfFunction::RestoreState:
+            dc_.Restore(record.I16());
+            return true;
+        case WmfFunction::SetBackMode:
+            state.opaqueBack = record.U16() != 1;
+            return true;
+        case WmfFunction::SetDrawMode:
+            state.drawMode = record.U16();
+            return true;
         case WmfFunction::SetFillMode:
             state.fillRule = record.U16() == 2 ? FillRule::Winding : FillRule::EvenOdd;
             return true;
-        case WmfFunction::SetStretchMode: return true;
-        case WmfFunction::SetCharExtra: state.charExtra = record.I16(); return true;
-        case WmfFunction::SetTextAlign: state.textAlign = record.U16(); return true;
+        case WmfFunction::SetStretchMode:
+            return true;
+        case WmfFunction::SetCharExtra:
+            state.charExtra = record.I16();
+            return true;
+        case WmfFunction::SetTextAlign:
+            state.textAlign = record.U16();
+            return true;
         case WmfFunction::SetTextJustification: {
             const double count = record.U16(), extra = record.I16();
             state.breakExtra = count > 0 ? extra / count : 0;
             return true;
         }
-        case WmfFunction::SetBackColour: state.backColour = record.U32(); return true;
-        case WmfFunction::SetTextColour: state.textColour = record.U32(); return true;
-        case WmfFunction::MoveTo: state.position = ReadYX(record); return true;
-        default: return false;
+        case WmfFunction::SetBackColour:
+            state.backColour = record.U32();
+            return true;
+        case WmfFunction::SetTextColour:
+            state.textColour = record.U32();
+            return true;
+        case WmfFunction::MoveTo:
+            state.position = ReadYX(record);
+            return true;
+        default:
+            return false;
     }
 }
 
@@ -135,7 +155,8 @@ void Player::SetMapMode(int mode) {
     // Files with a box or a window that say "pixels" mean the units of that box: they were
     // recorded for a device that the viewer chooses.
     const bool scales = file_.box || file_.window;
-    if (mode == static_cast<int>(MapMode::Text) && scales) mode = static_cast<int>(MapMode::Anisotropic);
+    if (mode == static_cast<int>(MapMode::Text) && scales)
+        mode = static_cast<int>(MapMode::Anisotropic);
     dc_.State().mapping.mode = static_cast<MapMode>(mode);
 }
 
@@ -145,13 +166,13 @@ void Player::ViewportChanged() {
     if (drawn_ || !viewportSet_) return;
     const Mapping& m = dc_.State().mapping;
     const Point far = m.viewportOrigin + m.viewportExtent;
-    dc_.SetBase(BoxToBox({std::min(m.viewportOrigin.x, far.x), std::min(m.viewportOrigin.y, far.y),
-                          std::max(m.viewportOrigin.x, far.x), std::max(m.viewportOrigin.y, far.y)},
-                         {0, 0, static_cast<double>(target_.width),
-                          static_cast<double>(target_.height)}));
+    dc_.SetBase(
+        BoxToBox({std::min(m.viewportOrigin.x, far.x), std::min(m.viewportOrigin.y, far.y),
+                  std::max(m.viewportOrigin.x, far.x), std::max(m.viewportOrigin.y, far.y)},
+                 {0, 0, static_cast<double>(target_.width), static_cast<double>(target_.height)}));
 }
 
-bool Player::HandleMapping(WmfFunction function, ByteReader& record) {
+bool Player::HandleMapping(WmfFunction function, RecordReader& record) {
     Mapping& m = dc_.State().mapping;
     const auto scaled = [&](Point extent) {
         const Point divisor = ReadYX(record);  // y divisor, y factor, x divisor, x factor
@@ -161,8 +182,12 @@ bool Player::HandleMapping(WmfFunction function, ByteReader& record) {
         return Point{extent.x * across.x / across.y, extent.y * yFactor / yDivisor};
     };
     switch (function) {
-        case WmfFunction::SetMapMode: SetMapMode(record.U16()); return true;
-        case WmfFunction::SetWindowOrigin: m.windowOrigin = ReadYX(record); return true;
+        case WmfFunction::SetMapMode:
+            SetMapMode(record.U16());
+            return true;
+        case WmfFunction::SetWindowOrigin:
+            m.windowOrigin = ReadYX(record);
+            return true;
         case WmfFunction::SetWindowExtent: {
             const Point extent = ReadYX(record);
             if (extent.x != 0 && extent.y != 0) m.windowExtent = extent;
@@ -196,7 +221,8 @@ bool Player::HandleMapping(WmfFunction function, ByteReader& record) {
             if (extent.x != 0 && extent.y != 0) m.viewportExtent = extent;
             return true;
         }
-        default: return false;
+        default:
+            return false;
     }
 }
 
@@ -206,16 +232,30 @@ const Kind* Player::ObjectAt(std::size_t index, ObjectHandle& keep) const {
     return keep ? std::get_if<Kind>(keep.get()) : nullptr;
 }
 
-bool Player::HandleObjects(WmfFunction function, ByteReader& record) {
+bool Player::HandleObjects(WmfFunction function, RecordReader& record) {
     DrawingState& state = dc_.State();
     switch (function) {
-        case WmfFunction::CreatePen: objects_.Add(ReadWmfPen(record)); return true;
-        case WmfFunction::CreateBrush: objects_.Add({}); return true;
-        case WmfFunction::CreateBrushIndirect: objects_.Add(ReadWmfBrush(record)); return true;
-        case WmfFunction::CreateFont: objects_.Add(ReadWmfFont(record)); return true;
-        case WmfFunction::CreatePalette: objects_.Add(ReadWmfPalette(record)); return true;
-        case WmfFunction::CreateRegion: objects_.Add(ReadWmfRegion(record)); return true;
-        case WmfFunction::CreatePatternBrush: objects_.Add(ReadWmfPatternBrush(record)); return true;
+        case WmfFunction::CreatePen:
+            objects_.Add(ReadWmfPen(record));
+            return true;
+        case WmfFunction::CreateBrush:
+            objects_.Add({});
+            return true;
+        case WmfFunction::CreateBrushIndirect:
+            objects_.Add(ReadWmfBrush(record));
+            return true;
+        case WmfFunction::CreateFont:
+            objects_.Add(ReadWmfFont(record));
+            return true;
+        case WmfFunction::CreatePalette:
+            objects_.Add(ReadWmfPalette(record));
+            return true;
+        case WmfFunction::CreateRegion:
+            objects_.Add(ReadWmfRegion(record));
+            return true;
+        case WmfFunction::CreatePatternBrush:
+            objects_.Add(ReadWmfPatternBrush(record));
+            return true;
         case WmfFunction::DibCreatePatternBrush:
             objects_.Add(ReadWmfDibBrush(record, state.palette, dc_.Options()));
             return true;
@@ -223,7 +263,9 @@ bool Player::HandleObjects(WmfFunction function, ByteReader& record) {
         case WmfFunction::SelectObject:
             if (const ObjectHandle object = objects_.Get(record.U16())) dc_.Select(*object);
             return true;
-        case WmfFunction::DeleteObject: objects_.Delete(record.U16()); return true;
+        case WmfFunction::DeleteObject:
+            objects_.Delete(record.U16());
+            return true;
         case WmfFunction::SetPaletteEntries:
         case WmfFunction::AnimatePalette: {
             std::size_t first = 0;
@@ -232,11 +274,12 @@ bool Player::HandleObjects(WmfFunction function, ByteReader& record) {
                 state.palette[first + i] = colours[i];
             return true;
         }
-        default: return false;
+        default:
+            return false;
     }
 }
 
-void Player::PolyPolygon(ByteReader& record) {
+void Player::PolyPolygon(RecordReader& record) {
     const std::size_t polygons = record.U16();
     std::vector<std::size_t> counts;
     for (std::size_t i = 0; i < polygons && record.IsGood(); ++i) counts.push_back(record.U16());
@@ -245,9 +288,11 @@ void Player::PolyPolygon(ByteReader& record) {
     dc_.PolyPolygon(path);
 }
 
-bool Player::HandleShapes(WmfFunction function, ByteReader& record) {
+bool Player::HandleShapes(WmfFunction function, RecordReader& record) {
     switch (function) {
-        case WmfFunction::LineTo: dc_.LineTo(ReadYX(record)); return true;
+        case WmfFunction::LineTo:
+            dc_.LineTo(ReadYX(record));
+            return true;
         case WmfFunction::Polygon: {
             const std::size_t count = record.U16();
             dc_.Polygon(ReadPoints(record, count));
@@ -258,9 +303,15 @@ bool Player::HandleShapes(WmfFunction function, ByteReader& record) {
             dc_.Polyline(ReadPoints(record, count));
             return true;
         }
-        case WmfFunction::PolyPolygon: PolyPolygon(record); return true;
-        case WmfFunction::Rectangle: dc_.Rectangle(ReadBox(record)); return true;
-        case WmfFunction::Ellipse: dc_.Ellipse(ReadBox(record)); return true;
+        case WmfFunction::PolyPolygon:
+            PolyPolygon(record);
+            return true;
+        case WmfFunction::Rectangle:
+            dc_.Rectangle(ReadBox(record));
+            return true;
+        case WmfFunction::Ellipse:
+            dc_.Ellipse(ReadBox(record));
+            return true;
         case WmfFunction::RoundRectangle: {
             const Point corner = ReadYX(record);
             dc_.RoundRectangle(ReadBox(record), corner);
@@ -293,13 +344,18 @@ bool Player::HandleShapes(WmfFunction function, ByteReader& record) {
             dc_.FloodFill(ReadYX(record), surface ? std::nullopt : std::optional(border));
             return true;
         }
-        case WmfFunction::TextOut: TextOut(record); return true;
-        case WmfFunction::ExtTextOut: ExtTextOut(record); return true;
-        default: return false;
+        case WmfFunction::TextOut:
+            TextOut(record);
+            return true;
+        case WmfFunction::ExtTextOut:
+            ExtTextOut(record);
+            return true;
+        default:
+            return false;
     }
 }
 
-void Player::TextOut(ByteReader& record) {
+void Player::TextOut(RecordReader& record) {
     const std::size_t length = record.U16();
     const ByteView bytes = record.Take(length);
     record.Skip(length % 2);
@@ -310,7 +366,7 @@ void Player::TextOut(ByteReader& record) {
     dc_.DrawText(call);
 }
 
-void Player::ExtTextOut(ByteReader& record) {
+void Player::ExtTextOut(RecordReader& record) {
     TextCall call;
     call.at = ReadYX(record);
     const std::size_t length = record.U16();
@@ -332,7 +388,7 @@ void Player::ExtTextOut(ByteReader& record) {
     dc_.DrawText(call);
 }
 
-bool Player::HandleRegions(WmfFunction function, ByteReader& record) {
+bool Player::HandleRegions(WmfFunction function, RecordReader& record) {
     ObjectHandle keep, keepBrush;
     switch (function) {
         case WmfFunction::IntersectClipBox:
@@ -341,7 +397,9 @@ bool Player::HandleRegions(WmfFunction function, ByteReader& record) {
         case WmfFunction::ExcludeClipBox:
             dc_.ClipToBox(ClipMode::Diff, ReadBox(record));
             return true;
-        case WmfFunction::OffsetClip: dc_.OffsetClip(ReadYX(record)); return true;
+        case WmfFunction::OffsetClip:
+            dc_.OffsetClip(ReadYX(record));
+            return true;
         case WmfFunction::SelectClipRegion:
             if (const auto* region = ObjectAt<Region>(record.U16(), keep))
                 dc_.ClipToRegion(ClipMode::Copy, *region);
@@ -364,13 +422,15 @@ bool Player::HandleRegions(WmfFunction function, ByteReader& record) {
                 dc_.FillRegion(*region, dc_.State().brush);
             return true;
         case WmfFunction::InvertRegion:
-            if (const auto* region = ObjectAt<Region>(record.U16(), keep)) dc_.InvertRegion(*region);
+            if (const auto* region = ObjectAt<Region>(record.U16(), keep))
+                dc_.InvertRegion(*region);
             return true;
-        default: return false;
+        default:
+            return false;
     }
 }
 
-bool Player::HandleBitmaps(WmfFunction function, ByteReader& record) {
+bool Player::HandleBitmaps(WmfFunction function, RecordReader& record) {
     switch (function) {
         case WmfFunction::PatternBlit: {
             const Rop3 rop = static_cast<Rop3>(record.U32() >> 16);
@@ -381,15 +441,23 @@ bool Player::HandleBitmaps(WmfFunction function, ByteReader& record) {
         case WmfFunction::BitBlit:
         case WmfFunction::StretchBlit:
         case WmfFunction::DibBitBlit:
-        case WmfFunction::DibStretchBlit: BitBlit(function, record); return true;
-        case WmfFunction::StretchDib: StretchDib(record); return true;
-        case WmfFunction::SetDibToDevice: SetDibToDevice(record); return true;
-        default: return false;
+        case WmfFunction::DibStretchBlit:
+            BitBlit(function, record);
+            return true;
+        case WmfFunction::StretchDib:
+            StretchDib(record);
+            return true;
+        case WmfFunction::SetDibToDevice:
+            SetDibToDevice(record);
+            return true;
+        default:
+            return false;
     }
 }
 
-void Player::BitBlit(WmfFunction function, ByteReader& record) {
-    const bool isDib = function == WmfFunction::DibBitBlit || function == WmfFunction::DibStretchBlit;
+void Player::BitBlit(WmfFunction function, RecordReader& record) {
+    const bool isDib =
+        function == WmfFunction::DibBitBlit || function == WmfFunction::DibStretchBlit;
     const bool stretches =
         function == WmfFunction::StretchBlit || function == WmfFunction::DibStretchBlit;
     // Without a bitmap the record ends behind its numbers, one of which is unused.
@@ -411,7 +479,7 @@ void Player::BitBlit(WmfFunction function, ByteReader& record) {
     if (bitmap) dc_.Blit(*bitmap, target, SourceBox(*bitmap, from, sourceSize), mode);
 }
 
-void Player::StretchDib(ByteReader& record) {
+void Player::StretchDib(RecordReader& record) {
     BlitMode mode;
     mode.rop = static_cast<Rop3>(record.U32() >> 16);
     const auto table = static_cast<ColourTable>(record.U16() & 1);
@@ -420,21 +488,19 @@ void Player::StretchDib(ByteReader& record) {
     if (!record.IsGood()) return;
     const Box target{at.x, at.y, at.x + size.x, at.y + size.y};
     if (record.Left() == 0) return dc_.PatternBlit(target, mode.rop);
-    const auto bitmap =
-        DecodePackedDib(record.Rest(), table, dc_.State().palette, dc_.Options());
+    const auto bitmap = DecodePackedDib(record.Rest(), table, dc_.State().palette, dc_.Options());
     if (!bitmap) return;
     // Rows of a bitmap that runs from the bottom are counted from there.
     const double top = bitmap->bottomUp ? bitmap->size.height - from.y - sourceSize.y : from.y;
     dc_.Blit(*bitmap, target, {from.x, top, from.x + sourceSize.x, top + sourceSize.y}, mode);
 }
 
-void Player::SetDibToDevice(ByteReader& record) {
+void Player::SetDibToDevice(RecordReader& record) {
     const auto table = static_cast<ColourTable>(record.U16() & 1);
     record.Skip(4);  // the rows that are there: as many as the bitmap has
     const Point from = ReadYX(record), size = ReadYX(record), at = ReadYX(record);
     if (!record.IsGood()) return;
-    const auto bitmap =
-        DecodePackedDib(record.Rest(), table, dc_.State().palette, dc_.Options());
+    const auto bitmap = DecodePackedDib(record.Rest(), table, dc_.State().palette, dc_.Options());
     if (!bitmap) return;
     // The size is meant in pixels of a device that is gone. It grows with the rest of the drawing,
     // as if a logical unit had been a pixel there.
@@ -457,7 +523,7 @@ std::optional<Point> WmfFile::StatedSize(Size hint) const {
 }
 
 std::optional<WmfFile> OpenWmf(ByteView bytes) {
-    ByteReader reader(bytes);
+    RecordReader reader(bytes);
     WmfFile file;
     if (reader.U32() == kPlaceableKey) {
         reader.Skip(2);
@@ -478,7 +544,7 @@ std::optional<WmfFile> OpenWmf(ByteView bytes) {
     file.records = reader.Rest();
     ForEachWmfRecord(file.records, [&](WmfFunction function, ByteView parameters) {
         if (function != WmfFunction::SetWindowExtent) return true;
-        ByteReader record(parameters);
+        RecordReader record(parameters);
         const Point extent = ReadYX(record);
         if (extent.x != 0 && extent.y != 0) file.window = extent;
         return !file.window;

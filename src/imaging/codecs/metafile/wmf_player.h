@@ -9,10 +9,10 @@
 namespace lumo::imaging::codecs::metafile {
 
 struct WmfFile {
-    ByteView records;              // behind the headers
-    std::optional<Box> box;        // of the placeable header, in its units; sides may be mirrored
-    double unitsPerInch = 0;       // of the placeable header
-    std::optional<Point> window;   // the first window extent in the records, never 0
+    ByteView records;             // behind the headers
+    std::optional<Box> box;       // of the placeable header, in its units; sides may be mirrored
+    double unitsPerInch = 0;      // of the placeable header
+    std::optional<Point> window;  // the first window extent in the records, never 0
 
     /// Width and height in pixels: the box at 96 to the inch, else the proportions of the window
     /// inside of the hint. Nothing if there is neither.

@@ -4,11 +4,12 @@
 
 #include <cstdint>
 
-#include "imaging/codecs/metafile/byte_reader.h"
+#include "imaging/codecs/metafile/record_reader.h"
 
 namespace lumo::imaging::codecs::metafile {
 
-/// The function numbers; the high byte is the number of 16-bit parameters of the call it stands for.
+/// The function numbers; the high byte is the number of 16-bit parameters of the call it stands
+/// for.
 enum class WmfFunction : std::uint16_t {
     End = 0x0000,
     SetBackMode = 0x0102,
@@ -81,7 +82,7 @@ enum class WmfFunction : std::uint16_t {
 /// false. Returns false if the records end before the closing one, or a length makes no sense.
 template <class Use>
 bool ForEachWmfRecord(ByteView records, Use use) {
-    ByteReader reader(records);
+    RecordReader reader(records);
     while (reader.Left() >= 6) {
         const std::uint64_t words = reader.U32();
         const auto function = static_cast<WmfFunction>(reader.U16());

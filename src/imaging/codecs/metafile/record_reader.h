@@ -11,10 +11,10 @@ namespace lumo::imaging::codecs::metafile {
 
 /// Reads little-endian values from a run of bytes, one behind the other. A read past the end gives
 /// zero and makes the reader bad for good, so that a record is checked once, behind its last field.
-class ByteReader {
+class RecordReader {
   public:
-    ByteReader() = default;
-    explicit ByteReader(ByteView bytes) : bytes_(bytes) {}
+    RecordReader() = default;
+    explicit RecordReader(ByteView bytes) : bytes_(bytes) {}
 
     bool IsGood() const { return good_; }
     std::size_t Position() const { return position_; }
