@@ -20,6 +20,9 @@ enum class Controls { Open, Closed };
 
 enum class Sound { Asterisk };
 
+/// The picture in a message box.
+enum class MessageIcon { None, Warning, Stop };
+
 /// What the engine asks of whoever shows it. During a run every call comes from the worker thread;
 /// a form with widgets hands over to its own thread and waits for the answer where there is one.
 /// Nothing here ever waits where nobody is there (unattended runs).
@@ -29,6 +32,11 @@ class UserInterface {
 
     /// A message box with one button.
     virtual void ShowMessage(std::string_view text) = 0;
+    /// One with a caption and an icon of its own.
+    virtual void ShowMessageBox(std::string_view text, [[maybe_unused]] std::string_view caption,
+                                MessageIcon) {
+        ShowMessage(text);
+    }
     /// A question with Yes and No; false is No.
     virtual bool Ask(std::string_view question) = 0;
 
@@ -45,6 +53,18 @@ class UserInterface {
     virtual void SetControls(Controls) {}
     virtual void SelectCommand(int) {}  // index in the Script; its panel is shown
     virtual void ClearPanel() {}
+    /// Commands of the Script came, went, moved or changed: the list is to be shown anew. A call of
+    /// SelectCommand follows.
+    virtual void ScriptChanged() {}
+    /// Opens the dialog of the command of that name on these parameters. True on OK: `params` is
+    /// what it holds now, and `makeDefault` says whether new commands are to begin with it. False
+    /// on Cancel or where there is no dialog; `params` is as it was.
+    virtual bool EditParameters([[maybe_unused]] std::string_view name, std::string&,
+                                [[maybe_unused]] bool& makeDefault) {
+        return false;
+    }
+    virtual void SetClipboardText(std::string_view) {}
+    virtual std::string ClipboardText() { return {}; }
     /// Opens the dialog of the command at this index of the Script; false on Cancel.
     virtual bool EditCommand(int) { return false; }
     /// The dialog of the START command in its run-time form; false on Cancel.

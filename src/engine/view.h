@@ -29,7 +29,8 @@ inline constexpr int kSubroutineStackWords = 2400;
 /// The Script in the window, and its file.
 struct ScriptState {
     script::Script commands;
-    script::Script undo;
+    int selected = 0;     // index in `commands`; editing.h keeps it inside
+    script::Script undo;  // valid if hasUndo
     bool hasUndo = false;
     bool hasFile = false;
     bool modified = false;

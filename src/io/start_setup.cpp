@@ -125,7 +125,9 @@ bool FiltersActive(const Fields& fields) {
 const Command kStartCommand{.spec = {.name = names::kStartImageLoop,
                                      .fields = kFields,
                                      .panelText = Panel,
-                                     .dialog = &kDialog},
+                                     .dialog = &kDialog,
+                                     .parse = ParseStartParams,
+                                     .build = BuildStartParams},
                             .opening = engine::openings::kOwnFlow};
 
 }  // namespace lumo::io

@@ -51,6 +51,14 @@ std::string BuildParams(std::span<const FieldSpec> specs, std::span<const std::s
     return params;
 }
 
+Fields ReadParams(const CommandSpec& spec, std::string_view params) {
+    return spec.parse ? spec.parse(params) : ParseParams(params);
+}
+
+std::string WriteParams(const CommandSpec& spec, std::span<const std::string> texts) {
+    return spec.build ? spec.build(texts) : BuildParams(spec.fields, texts);
+}
+
 std::string PanelText(std::span<const PanelLine> panel, const Fields& fields) {
     std::string text;
     for (const PanelLine& line : panel) {

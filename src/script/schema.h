@@ -189,6 +189,9 @@ struct CommandSpec {
     /// Instead of `panel`, where the lines do not follow its pattern.
     std::string (*panelText)(const Fields&) = nullptr;
     const DialogSpec* dialog = nullptr;
+    /// Instead of ParseParams and BuildParams, where older layouts of the string are read too.
+    Fields (*parse)(std::string_view params) = nullptr;
+    std::string (*build)(std::span<const std::string> texts) = nullptr;
 };
 
 /// The factory default string: the number of specs, then each factory text.
@@ -196,6 +199,10 @@ std::string FactoryString(std::span<const FieldSpec> fields);
 
 /// A parameter string of these texts, one for each spec, quoted where its FieldSpec says so.
 std::string BuildParams(std::span<const FieldSpec> specs, std::span<const std::string> texts);
+
+/// The fields of a parameter string of this command, and the string of its field texts.
+Fields ReadParams(const CommandSpec& spec, std::string_view params);
+std::string WriteParams(const CommandSpec& spec, std::span<const std::string> texts);
 
 /// The lines for these fields, each ended by a line feed.
 std::string PanelText(std::span<const PanelLine> panel, const Fields& fields);

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/user_interface.h"
@@ -12,6 +14,11 @@ namespace lumo::test {
 class RecordingInterface : public engine::UserInterface {
   public:
     void ShowMessage(std::string_view text) override { messages.emplace_back(text); }
+    void ShowMessageBox(std::string_view text, std::string_view caption,
+                        engine::MessageIcon icon) override {
+        boxes.emplace_back(std::string(caption), icon);
+        ShowMessage(text);
+    }
     bool Ask(std::string_view question) override {
         questions.emplace_back(question);
         return NextAnswer();
@@ -30,6 +37,13 @@ class RecordingInterface : public engine::UserInterface {
         prompted.push_back(index);
         return NextAnswer();
     }
+    void ScriptChanged() override { ++scriptChanges; }
+    bool EditParameters(std::string_view name, std::string& params, bool& makeDefault) override {
+        dialogs.emplace_back(name);
+        return onDialog && onDialog(params, makeDefault);
+    }
+    void SetClipboardText(std::string_view text) override { clipboard = text; }
+    std::string ClipboardText() override { return clipboard; }
     void StartTimer2(int milliseconds) override { timers.push_back(milliseconds); }
     void Play(engine::Sound) override { ++sounds; }
     void RunEnded() override { ++runsEnded; }
@@ -38,8 +52,13 @@ class RecordingInterface : public engine::UserInterface {
     std::deque<bool> answers;
     std::vector<std::string> messages, questions, notices, titles, statuses, sizeTexts;
     std::vector<int> selected, edited, prompted, timers;
+    std::vector<std::pair<std::string, engine::MessageIcon>> boxes;  // caption, icon
+    std::vector<std::string> dialogs;                                // names of the commands
+    /// What the user does in a dialog; none cancels.
+    std::function<bool(std::string& params, bool& makeDefault)> onDialog;
+    std::string clipboard;
     engine::RunCounts lastCounts;
-    int sounds = 0, runsEnded = 0, quits = 0;
+    int scriptChanges = 0, sounds = 0, runsEnded = 0, quits = 0;
 
   private:
     bool NextAnswer() {
