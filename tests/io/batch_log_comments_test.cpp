@@ -8,6 +8,7 @@
 #include "io/input.h"
 #include "io/metadata_report.h"
 #include "support/run_bench.h"
+#include "support/test_files.h"
 
 namespace lumo::io {
 namespace {
@@ -18,7 +19,7 @@ using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::StartsWith;
 
-const std::string kCamera = LUMO_TEST_DATA "/jpg/exiftool_JVC2.jpg";
+const std::string kCamera = (test::DataFolder() / "jpg/exiftool_JVC2.jpg").string();
 const std::string kGrouped = "[0-9]{1,3}(,[0-9]{3})*";
 
 struct BatchLogCommentsTest : testing::Test {
@@ -138,7 +139,7 @@ TEST(ExifReport, TitlesTheTablesThatAreThere) {
     for (const auto& [title, text] : report) EXPECT_FALSE(text.empty()) << title;
     EXPECT_EQ(ExifReport(kCamera, 1).size(), 1U);
     EXPECT_TRUE(ExifReport("/gone.jpg").empty());
-    EXPECT_TRUE(ExifReport(LUMO_TEST_DATA "/jpg/imagemeta_NoExif.jpg").empty());
+    EXPECT_TRUE(ExifReport((test::DataFolder() / "jpg/imagemeta_NoExif.jpg").string()).empty());
 }
 
 }  // namespace

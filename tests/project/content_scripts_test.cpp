@@ -12,6 +12,7 @@
 #include "script/script_file.h"
 #include "script/script_format.h"
 #include "support/content_files.h"
+#include "support/test_files.h"
 
 namespace lumo::test {
 namespace {
@@ -192,9 +193,10 @@ TEST(ContentScripts, SubroutinesHoldNoMarkersAndNoOutput) {
 // An edit of a file by hand would be lost at the next run of its maker.
 TEST(ContentScripts, AreWhatTheirMakerWrites) {
     if (std::system("python3 --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "no python3";
-    EXPECT_EQ(std::system("python3 -B '" LUMO_SOURCE_ROOT "/tools/make_content.py' --check "
-                          "Scripts/ Subroutines/ Lists/ CustomFilters/"),
-              0);
+    const std::string maker = (test::SourceRoot() / "tools" / "make_content.py").string();
+    const std::string command =
+        "python3 -B '" + maker + "' --check Scripts/ Subroutines/ Lists/ CustomFilters/";
+    EXPECT_EQ(std::system(command.c_str()), 0);
 }
 
 TEST(ContentLists, NameShippedPhotographs) {

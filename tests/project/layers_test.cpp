@@ -8,6 +8,8 @@
 #include <set>
 #include <string>
 
+#include "support/test_files.h"
+
 namespace lumo {
 namespace {
 
@@ -62,7 +64,7 @@ const std::map<std::string, std::set<std::string>>& Allowed() {
 }
 
 TEST(Layers, IncludesPointDownOnly) {
-    const fs::path root = fs::path(LUMO_SOURCE_ROOT) / "src";
+    const fs::path root = test::SourceRoot() / "src";
     int read = 0;
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
         const std::string extension = entry.path().extension().string();
@@ -86,7 +88,7 @@ TEST(Layers, IncludesPointDownOnly) {
 }
 
 TEST(Layers, PictureLibrariesStayInTheCodecs) {
-    const fs::path root = fs::path(LUMO_SOURCE_ROOT) / "src";
+    const fs::path root = test::SourceRoot() / "src";
     const std::set<std::string> libraries{"<jpeglib.h>", "<png.h>",           "<tiffio.h>",
                                           "<gif_lib.h>", "<libraw/libraw.h>", "<librsvg/rsvg.h>"};
     for (const auto& entry : fs::recursive_directory_iterator(root)) {

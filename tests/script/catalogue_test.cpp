@@ -12,12 +12,13 @@
 #include "script/fields.h"
 #include "script/names.h"
 #include "script/schema.h"
+#include "support/test_files.h"
 
 namespace lumo::script {
 namespace {
 
 std::vector<std::string> LinesOf(const std::string& file) {
-    std::ifstream stream(std::string(LUMO_TEST_DATA "/script/") + file);
+    std::ifstream stream(test::DataFolder() / "script" / file);
     std::vector<std::string> lines;
     for (std::string line; std::getline(stream, line);) lines.push_back(line);
     return lines;

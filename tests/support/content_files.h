@@ -8,11 +8,13 @@
 #include <string_view>
 #include <vector>
 
+#include "support/test_files.h"
+
 namespace lumo::test {
 
 /// The shipped content: share/ of the source tree.
 inline std::filesystem::path ShareFolder() {
-    return std::filesystem::path(LUMO_SOURCE_ROOT) / "share";
+    return SourceRoot() / "share";
 }
 
 /// All bytes of a file; empty if it cannot be read.

@@ -19,14 +19,22 @@ std::vector<std::uint8_t> ReadWholeFile(const fs::path& path) {
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+fs::path SourceRoot() {
+    return LUMO_SOURCE_ROOT;
+}
+
+fs::path DataFolder() {
+    return SourceRoot() / "tests" / "data";
+}
+
 std::vector<std::uint8_t> ReadTestFile(std::string_view name) {
-    return ReadWholeFile(fs::path(LUMO_TEST_DATA) / name);
+    return ReadWholeFile(DataFolder() / name);
 }
 
 std::vector<fs::path> TestFilesIn(std::string_view folder) {
     std::vector<fs::path> files;
     std::error_code error;
-    for (const auto& entry : fs::directory_iterator(fs::path(LUMO_TEST_DATA) / folder, error))
+    for (const auto& entry : fs::directory_iterator(DataFolder() / folder, error))
         if (entry.is_regular_file() && entry.path().extension() != ".md")
             files.push_back(entry.path());
     if (files.empty()) {

@@ -7,6 +7,12 @@
 
 namespace lumo::test {
 
+/// The root of the source tree.
+std::filesystem::path SourceRoot();
+
+/// tests/data.
+std::filesystem::path DataFolder();
+
 /// The bytes of a file below tests/data; the test program ends if there is none.
 std::vector<std::uint8_t> ReadTestFile(std::string_view name);
 
