@@ -32,6 +32,7 @@ void StartView(CLumoscriptView& view, SettingsFile settingsFile) {
     view.random.Seed(2);
     view.script.commands =
         script::NewScript(DefaultOf(view, "STARTDef"), DefaultOf(view, "OutlocDef"));
+    view.script.modified = true;  // nothing of it is in a file
 }
 
 bool OpenScript(CLumoscriptView& view, const std::string& path) {

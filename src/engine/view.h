@@ -87,6 +87,7 @@ struct RunState {
     bool onLeftImage = false;
     bool autoRun = false, autoExit = false, noPrompts = false, forceErrorLog = false;
     bool showEachImage = false;
+    settings::LogSettings logOptions;  // as they were at the start; they come back at the end
 
     script::Script list;  // the run lists
     int startIdx = -1, endIdx = -1, runCount = 0;
