@@ -3,6 +3,7 @@
 #include <string>
 
 #include "engine/command.h"
+#include "engine/editing.h"
 #include "engine/preprocess.h"
 #include "engine/run_loop.h"
 #include "engine/run_reports.h"
@@ -72,7 +73,7 @@ bool OutputsAreNamed(CLumoscriptView& view) {
             return false;
         }
         if (!run.noPrompts && script::ParseParams(script.ParamsAt(i)).Is(9, "1")) {
-            view.ui.SelectCommand(i);
+            SelectCommand(view, i);
             if (view.ui.Ask("Selected Output setup command is set to be skipped. Do you wish to "
                             "change this? If 'Yes' you will have to run again after making "
                             "changes.")) {
@@ -123,7 +124,7 @@ void ReturnToIdle(CLumoscriptView& view) {
     view.settings.logs = run.logOptions;
     view.ui.SetRunButton("Run Batch script...");
     view.ui.SetControls(Controls::Open);
-    view.ui.SelectCommand(0);
+    SelectCommand(view, 0);
     view.ui.SetTitle("");
     view.ui.Play(Sound::Asterisk);
 }

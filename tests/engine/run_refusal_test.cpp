@@ -91,8 +91,10 @@ TEST_F(Refusal, ASkippedOutputIsAskedAbout) {
                             "change this? If 'Yes' you will have to run again after making "
                             "changes."));
     EXPECT_THAT(ui.edited, ElementsAre(1));
+    EXPECT_EQ(view.script.selected, 1);
     EXPECT_TRUE(RunHere());  // No: it runs, and writes nothing
     EXPECT_FALSE(fs::exists(folder / "out/1.png"));
+    EXPECT_EQ(view.script.selected, 0);  // the first command, at the end of a run
 }
 
 TEST_F(Refusal, BlockFaultsStopTheRunBeforeItsFirstImage) {

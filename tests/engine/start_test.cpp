@@ -96,7 +96,9 @@ class Opening : public Start {
 };
 
 TEST_F(Opening, GivesAScriptItsMarkersAndItsCaption) {
+    view.script.selected = 2;
     ASSERT_TRUE(Open("small.sbr", "SUBRT\r\nExit\r\n0\r\nEND\r\n"));
+    EXPECT_EQ(view.script.selected, 0);
     const ScriptState& script = view.script;
     EXPECT_THAT(script.commands.names,
                 ElementsAre(names::kStartImageLoop, names::kExit, names::kEndImageLoop));
@@ -108,6 +110,15 @@ TEST_F(Opening, GivesAScriptItsMarkersAndItsCaption) {
     EXPECT_FALSE(script.modified);
     EXPECT_THAT(ui.selected, ElementsAre(0));
     EXPECT_THAT(ui.messages, IsEmpty());
+}
+
+TEST_F(Opening, KeepsTheScriptOfBeforeForUndo) {
+    const script::Script before = view.script.commands;
+    ASSERT_TRUE(Open("a.whs", "BEGIN\r\nBlur\r\n1,25,\r\nEND\r\n"));
+    EXPECT_TRUE(view.script.hasUndo);
+    EXPECT_EQ(view.script.undo, before);
+    EXPECT_FALSE(OpenScript(view, root / "missing.whs"));
+    EXPECT_EQ(view.script.undo, before);
 }
 
 TEST_F(Opening, KeepsTheMarkersThatAreThere) {
