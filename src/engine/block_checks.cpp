@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "engine/subroutines.h"
 #include "script/names.h"
 
 namespace lumo::engine {
@@ -108,10 +109,6 @@ bool CheckBlocks(const RunList& list, const BlockKind& kind, const FaultSink& fa
 
 bool CheckBlocks(const RunList& list, const BlockKind& kind, const FaultSink& fault) {
     return CheckBlocks(list, kind, fault, [](std::string_view, std::size_t) { return false; });
-}
-
-bool IsFileIf(std::string_view name) {
-    return name == names::kIfFirstFile || name == names::kIfLastFile;
 }
 
 /// ELSE_START stands directly behind an IF_END, before and inside the image loop.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "script/fields.h"
+#include "engine/subroutines.h"
 #include "script/names.h"
 
 namespace lumo::engine {
@@ -11,10 +11,6 @@ namespace {
 
 namespace names = script::names;
 using script::Script;
-
-bool IsIfStarter(std::string_view name) {
-    return name == names::kIfCondition || name == names::kIfFirstFile || name == names::kIfLastFile;
-}
 
 /// The first index in steps of `step` from `from` at which `closes` outnumber `opens`, or `fault`.
 template <class Opens, class Closes>
@@ -63,13 +59,9 @@ int EndOfElse(const Script& list, int i) {
 
 /// The definition is searched downwards only; one that stands above its caller is not found, and
 /// the call falls through.
-int FindSubroutine(const Script& list, int i) {
-    const std::string wanted = script::ParseParams(list.ParamsAt(i)).Text(0);
-    for (int k = i + 1; k < list.Count(); ++k)
-        if (list.NameAt(k) == names::kSubroutineStart &&
-            script::ParseParams(list.ParamsAt(k)).Text(0) == wanted)
-            return k;
-    return i;
+int FindCalled(const Script& list, int i) {
+    const int start = FindSubroutine(list, SubroutineNameAt(list, i), i + 1);
+    return start < 0 ? i : start;
 }
 
 }  // namespace
@@ -102,7 +94,7 @@ void BuildTables(const TableInput& input, std::span<std::int32_t> nextPc,
         } else if (name == names::kLoopEnd) {
             next = FindLoopStart(list, i) + 1;
         } else if (name == names::kSubroutineExecute) {
-            next = FindSubroutine(list, i) + 1;
+            next = FindCalled(list, i) + 1;
         } else if (name == names::kSubroutineStart) {
             next = FindSubroutineEnd(list, i) + 1;
         }

@@ -78,10 +78,14 @@ bool SkipTest(const CLumoscriptView& view);
 /// Frees the old working image, installs the new one and, outside of a batch run, shows its size.
 void ReplaceMainImage(CLumoscriptView& view, imaging::Image image);
 
+/// The size of the working image beside the right frame: "640x480".
+void ShowMainSize(CLumoscriptView& view);
+
 /// Marks the working image as full colour again: 24 bits, not forced, grey flag clear.
 void SetFullColour(CLumoscriptView& view);
 
-/// The row of that name, or null for an unknown name.
+/// The command of that name; null for an unknown name, for END, which the run loop takes itself,
+/// and for one that is still to come.
 const Command* FindCommand(std::string_view name);
 
 /// Runs one command by its exact name, in a run and in a test alike. 0 for an unknown name.

@@ -6,8 +6,9 @@
 
 namespace lumo::engine {
 
-/// A name of the catalogue and what stands behind it; null for the two markers of the image loop,
-/// which the run loop handles itself, and for a command that is still to come.
+/// A name of the catalogue and what stands behind it. The run loop handles both markers of the
+/// image loop itself: START has a row for its dialog and panel but no handler, END is null. A
+/// command that is still to come is null too.
 struct CommandRow {
     std::string_view name;
     const Command* command;

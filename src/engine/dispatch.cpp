@@ -91,10 +91,12 @@ void OnCommandFailure(CLumoscriptView& view, std::string_view text, LibraryError
 
 void ReplaceMainImage(CLumoscriptView& view, imaging::Image image) {
     view.working.main = std::move(image);
-    if (!view.run.batchRunning) {
-        const imaging::Size size = view.working.main.Extent();
-        view.ui.SetSizeText(std::to_string(size.width) + "x" + std::to_string(size.height));
-    }
+    if (!view.run.batchRunning) ShowMainSize(view);
+}
+
+void ShowMainSize(CLumoscriptView& view) {
+    const imaging::Size size = view.working.main.Extent();
+    view.ui.SetSizeText(std::to_string(size.width) + "x" + std::to_string(size.height));
 }
 
 void SetFullColour(CLumoscriptView& view) {

@@ -7,12 +7,9 @@
 #include "engine/block_checks.h"
 #include "engine/branch_tables.h"
 #include "engine/run_reports.h"
+#include "engine/subroutines.h"
 #include "io/output.h"
-#include "io/run_logs.h"
-#include "platform/paths.h"
-#include "script/fields.h"
 #include "script/names.h"
-#include "script/script_file.h"
 
 namespace lumo::engine {
 namespace {
@@ -31,25 +28,24 @@ void NoteMarkers(RunState& run) {
     run.runCount = run.list.Count();
 }
 
-bool HasSubroutine(const script::Script& list, std::string_view name) {
-    for (int i = 0; i < list.Count(); ++i)
-        if (list.NameAt(i) == names::kSubroutineStart &&
-            script::ParseParams(list.ParamsAt(i)).Text(0) == name)
-            return true;
-    return false;
+/// Adds commands to a run list, but no "Script info": it is a comment, and what stands around it,
+/// as an IF_END and its ELSE_START, belongs together.
+void AddWithoutComments(const script::Script& commands, script::Script& list) {
+    for (int i = 0; i < commands.Count(); ++i)
+        if (commands.NameAt(i) != names::kScriptInfo)
+            list.Add(commands.NameAt(i), commands.ParamsAt(i));
 }
 
 bool LoadSubroutine(CLumoscriptView& view, const std::string& name) {
     const settings::Settings& settings = view.settings;
-    // The name may hold folders in the manner of Scripts.
-    const std::string native =
-        platform::ParsePath(name, settings.installFolder, settings.folders.temp);
     const std::array<std::string, 3> folders{settings.folders.subroutines, settings.folders.scripts,
                                              settings.installFolder + "/Subroutines"};
-    return std::ranges::any_of(folders, [&](const std::string& folder) {
-        return static_cast<bool>(
-            script::AppendSubroutine(folder + "/" + native + ".sbr", view.run.list, {}));
+    script::Script read;
+    const bool loaded = std::ranges::any_of(folders, [&](const std::string& folder) {
+        return AppendSubroutineFrom(folder, name, settings, read);
     });
+    AddWithoutComments(read, view.run.list);
+    return loaded;
 }
 
 /// What is wrong with the markers, or an empty text. The tables need one of each, in order.
@@ -92,10 +88,7 @@ bool CheckBlockStructure(CLumoscriptView& view) {
 void FillRunList(CLumoscriptView& view) {
     RunState& run = view.run;
     run.list.Clear();
-    const script::Script& script = view.script.commands;
-    for (int i = 0; i < script.Count(); ++i)
-        if (script.NameAt(i) != names::kScriptInfo)
-            run.list.Add(script.NameAt(i), script.ParamsAt(i));
+    AddWithoutComments(view.script.commands, run.list);
     NoteMarkers(run);
     run.startIdxBefore = run.startIdx;
     run.endIdxBefore = run.endIdx;
@@ -106,8 +99,8 @@ bool LoadCalledSubroutines(CLumoscriptView& view) {
     bool allFound = true;
     for (int i = 0; i < run.list.Count() && run.list.Count() <= kMaxRunCommands; ++i) {
         if (run.list.NameAt(i) != names::kSubroutineExecute) continue;
-        const std::string name = script::ParseParams(run.list.ParamsAt(i)).Text(0);
-        if (HasSubroutine(run.list, name) || LoadSubroutine(view, name)) continue;
+        const std::string name = SubroutineNameAt(run.list, i);
+        if (FindSubroutine(run.list, name, 0) >= 0 || LoadSubroutine(view, name)) continue;
         allFound = false;
         ReportFault(view, "Preprocessing error: Unable to load called subroutine; " + name);
     }
@@ -142,10 +135,7 @@ bool PreprocessRun(CLumoscriptView& view) {
         constexpr std::string_view kText =
             "In subroutine 'Output setup' command(s) you must uncheck 'Set at runtime' and set the "
             "output folder. Then run again";
-        if (run.noPrompts)
-            io::LogFatalRefusal(view, kText);
-        else
-            view.ui.ShowMessage(kText);
+        ReportRefusal(view, kText, kText);
         return false;
     }
     BuildTables({run.list, run.startIdxBefore, run.endIdxBefore}, run.nextPc, run.branchPc);

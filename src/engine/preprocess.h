@@ -7,8 +7,8 @@
 
 namespace lumo::engine {
 
-/// Clears the run list and fills it with the Script's commands but "Script info"; notes where the
-/// markers stand.
+/// Clears the run list and fills it with the Script's commands; notes where the markers stand.
+/// "Script info" is a comment and never gets into a run list, from subroutines neither.
 void FillRunList(CLumoscriptView& view);
 
 /// Loads each called subroutine that the run list lacks, from the user's Subroutines folder, the

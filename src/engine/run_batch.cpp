@@ -2,8 +2,11 @@
 
 #include <string>
 
+#include "engine/command.h"
+#include "engine/editing.h"
 #include "engine/preprocess.h"
 #include "engine/run_loop.h"
+#include "engine/run_reports.h"
 #include "engine/sample.h"
 #include "io/input.h"
 #include "io/output.h"
@@ -19,16 +22,9 @@ namespace names = script::names;
 
 constexpr int kTimer2Milliseconds = 1000;
 
-/// A run that does not start: words for whoever is there, in an unattended run also in the logs.
-void RefuseStart(CLumoscriptView& view, std::string_view interactive, std::string_view unattended) {
+void RefuseStart(CLumoscriptView& view, std::string_view words, std::string_view unattended) {
     view.run.refused = true;
-    if (!view.run.noPrompts) {
-        view.ui.ShowMessage(interactive);
-        return;
-    }
-    io::LogFatalRefusal(view, unattended);
-    view.ui.Notice(unattended);
-    if (view.run.autoExit) view.ui.StartTimer2(kTimer2Milliseconds);
+    ReportRefusal(view, words, unattended);
 }
 void RefuseStart(CLumoscriptView& view, std::string_view text) {
     RefuseStart(view, text, text);
@@ -77,7 +73,7 @@ bool OutputsAreNamed(CLumoscriptView& view) {
             return false;
         }
         if (!run.noPrompts && script::ParseParams(script.ParamsAt(i)).Is(9, "1")) {
-            view.ui.SelectCommand(i);
+            SelectCommand(view, i);
             if (view.ui.Ask("Selected Output setup command is set to be skipped. Do you wish to "
                             "change this? If 'Yes' you will have to run again after making "
                             "changes.")) {
@@ -100,17 +96,18 @@ void ZeroStatistics(RunState& run) {
     run.prevPc = -1;
 }
 
-/// The ornament that the window shows while the first images are read; nobody sees it unattended.
+/// The ornament that the window shows while the first images are read; nobody sees it unattended,
+/// and a run over the sample shows the sample soon enough.
 void ShowOrnament(CLumoscriptView& view) {
-    if (view.run.noPrompts) return;
-    if (!view.run.onLeftImage) {
-        if (auto ornament = io::OpenImageFile(view, view.settings.installFolder + "/Frame2.jpg")) {
-            view.working.main = std::move(ornament->image);
-            view.ui.RebuildRightDisplay();
-            return;
-        }
+    if (view.run.noPrompts || view.run.onLeftImage) return;
+    auto ornament = io::OpenImageFile(view, view.settings.installFolder + "/Frame2.jpg");
+    if (!ornament) {
+        CopyLeftToMain(view, Force::Yes);
+        return;
     }
-    CopyLeftToMain(view, Force::Yes);
+    view.working.main = std::move(ornament->image);
+    SetFullColour(view);
+    view.ui.RebuildRightDisplay();
 }
 
 /// What both ends of a run have in common.
@@ -124,9 +121,10 @@ void ReturnToIdle(CLumoscriptView& view) {
     run.mode = RunMode::Idle;
     view.test.ifFlag = view.test.doFlag = 1;
     view.test.exitFlag = view.test.subSkip = view.test.subDepth = 0;
+    view.settings.logs = run.logOptions;
     view.ui.SetRunButton("Run Batch script...");
     view.ui.SetControls(Controls::Open);
-    view.ui.SelectCommand(0);
+    SelectCommand(view, 0);
     view.ui.SetTitle("");
     view.ui.Play(Sound::Asterisk);
 }
@@ -134,11 +132,6 @@ void ReturnToIdle(CLumoscriptView& view) {
 void ClearUnattendedFlags(RunState& run) {
     run.autoRun = run.autoExit = run.noPrompts = run.forceErrorLog = false;
     run.onLeftImage = false;
-}
-
-void ShowMainSize(CLumoscriptView& view) {
-    const imaging::Size size = view.working.main.Extent();
-    view.ui.SetSizeText(std::to_string(size.width) + "x" + std::to_string(size.height));
 }
 
 void FinishRun(CLumoscriptView& view) {
@@ -163,9 +156,8 @@ void FinishAbortedRun(CLumoscriptView& view) {
     view.ui.RebuildRightDisplay();
 }
 
-}  // namespace
-
-bool PrepareBatch(CLumoscriptView& view) {
+/// The steps of PrepareBatch; false: the run does not start.
+bool TryPrepare(CLumoscriptView& view) {
     RunState& run = view.run;
     ZeroStatistics(run);
     io::ClearLogs(view);
@@ -194,17 +186,30 @@ bool PrepareBatch(CLumoscriptView& view) {
         run.refused = true;
         EndOfRun(view);
         CopyLeftToMain(view, Force::No);
-        if (run.noPrompts && run.autoExit) view.ui.StartTimer2(kTimer2Milliseconds);
         return false;
     }
     if (run.mode == RunMode::Idle) run.mode = RunMode::Batch;
     view.ui.SetRunButton("Abort processing");
     run.prevPc = -1;
+    run.logOptions = view.settings.logs;
     view.ui.SetControls(Controls::Closed);
     ShowOrnament(view);
     run.keepRunning = 1;
     run.batchRunning = true;
     return true;
+}
+
+}  // namespace
+
+bool PrepareBatch(CLumoscriptView& view) {
+    if (TryPrepare(view)) return true;
+    // What was asked for this run alone must not colour the next one, which somebody may start by
+    // hand over the input.
+    RunState& run = view.run;
+    if (run.refused && run.noPrompts && run.autoExit) view.ui.StartTimer2(kTimer2Milliseconds);
+    run.mode = RunMode::Idle;
+    ClearUnattendedFlags(run);
+    return false;
 }
 
 int RunThreadEntry(CLumoscriptView& view) {

@@ -10,7 +10,9 @@ namespace lumo::engine {
 /// returns. During a run: the abort; the worker stops before its next command.
 void RunBatch(CLumoscriptView& view);
 
-/// All of RunBatch but the thread. True: RunThreadEntry must be called next, on any thread.
+/// All of RunBatch but the thread. True: RunThreadEntry must be called next, on any thread. False:
+/// the run was refused or called off, whoever is there knows why, and the view is idle again; a
+/// program that is to end behind its run has asked for timer 2.
 bool PrepareBatch(CLumoscriptView& view);
 
 /// The life of the worker: the loop, then the return to the idle state. 1 for an aborted run.

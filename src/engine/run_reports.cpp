@@ -3,9 +3,19 @@
 #include "io/run_logs.h"
 
 namespace lumo::engine {
+
 void ReportFault(CLumoscriptView& view, std::string_view line) {
     if (io::ErrorLogOn(view)) io::LogErrorLine(view, io::kNoNumber, line);
     if (view.run.noPrompts) view.ui.Notice(line);
+}
+
+void ReportRefusal(CLumoscriptView& view, std::string_view words, std::string_view unattended) {
+    if (!view.run.noPrompts) {
+        view.ui.ShowMessage(words);
+        return;
+    }
+    io::LogFatalRefusal(view, unattended);
+    view.ui.Notice(unattended);
 }
 
 void ReportCommandFailure(CLumoscriptView& view) {

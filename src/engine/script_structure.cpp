@@ -1,12 +1,12 @@
 #include "engine/script_structure.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
-#include "platform/paths.h"
+#include "engine/subroutines.h"
 #include "script/fields.h"
 #include "script/names.h"
-#include "script/script_file.h"
 
 namespace lumo::engine {
 namespace {
@@ -29,8 +29,7 @@ BlockCounts CountBlocks(const script::Script& script) {
     int ifLevel = 0, subLevel = 0;
     for (int i = 0; i < script.Count(); ++i) {
         const std::string& name = script.NameAt(i);
-        if (name == names::kIfCondition || name == names::kIfFirstFile ||
-            name == names::kIfLastFile) {
+        if (IsIfStarter(name)) {
             ++c.ifStarts;
             ++ifLevel;
         } else if (name == names::kIfEnd) {
@@ -81,29 +80,18 @@ std::string_view FirstFault(const BlockCounts& c) {
     return {};
 }
 
-bool HasSubroutine(const script::Script& script, const std::string& name) {
-    for (int i = 0; i < script.Count(); ++i)
-        if (script.NameAt(i) == names::kSubroutineStart &&
-            script::ParseParams(script.ParamsAt(i)).Is(0, name))
-            return true;
-    return false;
-}
-
-/// The name of the first called subroutine that is nowhere, or none.
-std::string FirstMissingSubroutine(CLumoscriptView& view) {
+/// The name, which may be empty, of the first called subroutine that is nowhere.
+std::optional<std::string> FirstMissingSubroutine(CLumoscriptView& view) {
     script::Script& script = view.script.commands;
+    // A subroutine that calls one whose file never defines it would append that file for ever.
     for (int i = 0; i < script.Count() && i < kMaxRunCommands; ++i) {
         if (script.NameAt(i) != names::kSubroutineExecute) continue;
-        const std::string name = script::ParseParams(script.ParamsAt(i)).Text(0);
-        if (HasSubroutine(script, name)) continue;
-        const settings::Settings& settings = view.settings;
-        const std::string native =
-            platform::ParsePath(name, settings.installFolder, settings.folders.temp);
-        if (!script::AppendSubroutine(settings.folders.subroutines + "/" + native + ".sbr", script,
-                                      {}))
+        std::string name = SubroutineNameAt(script, i);
+        if (FindSubroutine(script, name, 0) >= 0) continue;
+        if (!AppendSubroutineFrom(view.settings.folders.subroutines, name, view.settings, script))
             return name;
     }
-    return {};
+    return std::nullopt;
 }
 
 }  // namespace
@@ -121,8 +109,8 @@ bool CheckScriptStructure(CLumoscriptView& view) {
             "set. This could cause output name collisons (files with the same name).");
         return false;
     }
-    if (const std::string missing = FirstMissingSubroutine(view); !missing.empty()) {
-        view.ui.ShowMessage(missing + " SUBROUTINE not present. Unable to find to load.");
+    if (const auto missing = FirstMissingSubroutine(view)) {
+        view.ui.ShowMessage(*missing + " SUBROUTINE not present. Unable to find to load.");
         return false;
     }
     return true;

@@ -2,21 +2,15 @@
 
 #include <ctime>
 
+#include "engine/editing.h"
 #include "imaging/pixel_buffer.h"
 #include "platform/paths.h"
+#include "script/names.h"
 #include "script/script_file.h"
 #include "script/templates.h"
 #include "settings/settings_store.h"
 
 namespace lumo::engine {
-namespace {
-
-std::string DefaultOf(const CLumoscriptView& view, std::string_view key) {
-    const auto found = view.settings.commandDefaults.find(key);
-    return found == view.settings.commandDefaults.end() ? std::string() : found->second;
-}
-
-}  // namespace
 
 void StartView(CLumoscriptView& view, SettingsFile settingsFile) {
     const auto access = settingsFile == SettingsFile::ReadOnly
@@ -30,8 +24,9 @@ void StartView(CLumoscriptView& view, SettingsFile settingsFile) {
                                  << 20);
     view.run.showEachImage = view.settings.showEachImage;
     view.random.Seed(2);
-    view.script.commands =
-        script::NewScript(DefaultOf(view, "STARTDef"), DefaultOf(view, "OutlocDef"));
+    view.script.commands = script::NewScript(DefaultParams(view, script::names::kStartImageLoop),
+                                             DefaultParams(view, script::names::kOutputSetup));
+    view.script.modified = true;  // nothing of it is in a file
 }
 
 bool OpenScript(CLumoscriptView& view, const std::string& path) {
@@ -43,13 +38,14 @@ bool OpenScript(CLumoscriptView& view, const std::string& path) {
             "Unable to find or open named Lumoscript script file (.whs), check file path?");
         return false;
     }
-    script::EnsureMarkers(loaded, DefaultOf(view, "STARTDef"));
+    script::EnsureMarkers(loaded, DefaultParams(view, script::names::kStartImageLoop));
+    TakeUndoCopy(view);
     view.script.commands = std::move(loaded);
     view.script.path = path;
     view.script.caption = script::ScriptCaption(platform::GetFileTitle(path));
     view.script.hasFile = true;
     view.script.modified = false;
-    view.ui.SelectCommand(0);
+    SelectCommand(view, 0);
     return true;
 }
 

@@ -14,8 +14,8 @@ enum class SettingsFile { ReadAndWrite, ReadOnly };
 /// applies the memory limits, seeds the random generator and makes a new Script.
 void StartView(CLumoscriptView& view, SettingsFile settingsFile);
 
-/// Opens a Script file in place of the present one and gives it its two markers. False: the words
-/// have been shown and the present Script stands.
+/// Opens a Script file in place of the present one, which undo brings back, and gives it its two
+/// markers. False: the words have been shown and the present Script stands, its undo too.
 bool OpenScript(CLumoscriptView& view, const std::string& path);
 
 }  // namespace lumo::engine

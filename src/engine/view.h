@@ -79,18 +79,23 @@ enum class RunMode : std::int8_t {
 
 /// One batch run, or none.
 struct RunState {
-    std::atomic<int> keepRunning{
-        1};  // 0: stop before the next command; the one word both threads use
-    std::atomic<bool> batchRunning{false};
-    bool inRun = false;  // the run loop is dispatching
+    /// 0: stop before the next command. The one word that both threads write.
+    std::atomic<int> keepRunning{1};
+    std::atomic<bool> batchRunning{false};  // from the start of the worker to the end of the run
+    bool inRun = false;                     // the run loop is dispatching
     RunMode mode = RunMode::Idle;
-    bool onLeftImage = false;
+    bool onLeftImage = false;  // over the sample instead of the input; writes nothing
+    // Unattended: begin by timer 2, end the program afterwards, ask nobody, and keep Error.log
+    // whatever its setting. All four hold for one run.
     bool autoRun = false, autoExit = false, noPrompts = false, forceErrorLog = false;
-    bool showEachImage = false;
+    bool showEachImage = false;        // in the right frame
+    settings::LogSettings logOptions;  // as they were at the start; they come back at the end
 
-    script::Script list;  // the run lists
-    int startIdx = -1, endIdx = -1, runCount = 0;
-    int startIdxBefore = -1, endIdxBefore = -1;  // before subroutines were loaded
+    script::Script list;  // the run list: the Script without comments, then its subroutines
+    int startIdx = -1, endIdx = -1, runCount = 0;  // its markers and its length
+    int startIdxBefore = -1, endIdxBefore = -1;    // before subroutines were loaded
+    // The tables of branch_tables.h. `pc` is the command to be executed next, `prevPc` the one
+    // entered last; a `pc` beyond the list ends the run with an error.
     std::vector<std::int32_t> nextPc = std::vector<std::int32_t>(kMaxRunCommands);
     std::vector<std::int32_t> branchPc = std::vector<std::int32_t>(kMaxRunCommands);
     std::array<std::int32_t, kSubroutineStackWords> stack{-1};
@@ -98,10 +103,12 @@ struct RunState {
     int pc = 0, prevPc = -1;
 
     std::vector<std::string> inputList;
-    int imageIndex = -1;
-    int imageCount = 0;
+    int imageIndex = -1;         // in the input list; -1 before its first file
+    int imageCount = 0;          // files of the input list
     bool imageLoopOver = false;  // the input list is used up
     int firstScanCount = 0;      // "Total input images: "
+    // Files of the input list, files written, errors, images taken up, warnings; zeroed when a run
+    // is asked for, so that they can be read behind it.
     int statFiles = 0, statOutputs = 0, errorCount = 0, statInputs = 0, warningCount = 0;
     int failureReports = 0;  // calls of OnCommandFailure; counts for the exit status only
     int fatalCode = 0;       // of ReportFatal, 0 none

@@ -20,8 +20,8 @@ struct CatalogueRow {
     std::string_view defaultsKey;  // of the stored default parameter string; empty: none
     std::string_view factory;      // default parameter string as shipped; empty: none
     /// Fields that the command reads; kNotOffered for the two markers of the image loop. A stored
-    /// string states its own count and that is the one obeyed: "Add border" and "Text overlay" have
-    /// one field more in their strings than here.
+    /// string states its own count and that is the one obeyed: "Add border", "Text overlay" and
+    /// "Tile grid" have one field more in their strings than here.
     int fieldCount = 0;
     bool hasDialog = false;
     std::string_view helpTopic;  // empty: none

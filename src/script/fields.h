@@ -21,6 +21,7 @@ class Fields {
     bool Is(int index, std::string_view text) const { return Text(index) == text; }
     bool IsEmpty(int index) const { return Text(index).empty(); }
 
+    /// Nothing happens outside of the slots.
     void Set(int index, std::string text);
 
     /// False if the string ended before its first field; callers rarely ask.

@@ -16,7 +16,9 @@ struct Script {
     const std::string& NameAt(int i) const { return names[static_cast<std::size_t>(i)]; }
     const std::string& ParamsAt(int i) const;
     void Add(std::string_view name, std::string_view parameterString);
+    /// Before the command at `at`, from 0 to Count(); at Count() behind all.
     void Insert(int at, std::string_view name, std::string_view parameterString);
+    /// `at` from 0 to Count() - 1.
     void Remove(int at);
     void Clear();
     /// Index of the first command of that name, or -1.

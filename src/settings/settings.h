@@ -1,7 +1,7 @@
 #pragma once
 
-// Every lasting setting with its factory value. Which key and value name holds each is told in
-// settings_store.h; paths are native.
+// Every lasting setting with its factory value. The names of the values stand beside them, their
+// tables in visit_fields.h; paths are native.
 
 #include <array>
 #include <cstdint>
@@ -116,7 +116,8 @@ struct Settings {
     /// Placement of each dialog, by "WS23".
     std::map<std::string, WindowState, std::less<>> windows;
 
-    // Limits of our own (table [Limits]); 0: the default of the code that uses it.
+    // Limits of our own (table [Limits]), up to that of a 32-bit integer; 0: the default of the code
+    // that uses it.
     std::int64_t memoryBudgetMegabytes = 0;
     std::int64_t maxPictureMegapixels = 0;
     std::int64_t maxPictureSide = 0;

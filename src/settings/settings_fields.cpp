@@ -1,5 +1,6 @@
 #include "settings/settings_fields.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 #include <optional>
@@ -105,8 +106,10 @@ class Reader {
         if (const auto number = RealOf(Find(name))) value = *number;
     }
     void Limit(std::string_view name, std::int64_t& value) const {
+        // Whoever uses a limit multiplies it to bytes or pixels, or takes it for a side.
+        constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
         const auto number = IntegerOf(Find(name));
-        value = number && *number > 0 ? *number : 0;
+        value = number ? std::clamp<std::int64_t>(*number, 0, kMost) : 0;
     }
     void StartMarks() const {}
     void MomentOfSave() const {}

@@ -57,6 +57,10 @@ TEST_F(DispatchTest, TableHoldsTheCatalogueInItsOrder) {
 }
 
 TEST_F(DispatchTest, NamesAreComparedExactly) {
+    ASSERT_NE(FindCommand("Blur_more"), nullptr);
+    EXPECT_EQ(FindCommand("Blur_more")->spec.name, "Blur_more");
+    EXPECT_EQ(FindCommand("Flip - vertical "), nullptr);
+    EXPECT_EQ(FindCommand("END image loop"), nullptr);
     EXPECT_EQ(FindCommand("Blur more"), nullptr);
     EXPECT_EQ(ExecuteCommand(runner.view, "Blur more", "1,75,"), Outcome::Failed);
     EXPECT_EQ(ExecuteCommand(runner.view, "blur", "1,25,"), Outcome::Failed);

@@ -106,5 +106,21 @@ TEST_F(Structure, AMissingSubroutineIsLoadedOnceFromItsFolder) {
                 ElementsAre("Nowhere SUBROUTINE not present. Unable to find to load."));
 }
 
+TEST_F(Structure, ACallWithoutANameIsMissingToo) {
+    view.settings.folders.subroutines = folder.Path();
+    EXPECT_FALSE(Check({names::kSubroutineExecute}));
+    EXPECT_THAT(ui.messages, ElementsAre(" SUBROUTINE not present. Unable to find to load."));
+}
+
+TEST_F(Structure, AFileThatNeverDefinesWhatItIsCalledIsNotAppendedForEver) {
+    view.settings.folders.subroutines = folder.Path();
+    const std::string name(45, 'n');  // recorded under its first 40 characters
+    test::PutFile(folder / (name + ".sbr"),
+                  "SUBRT\r\nSUBROUTINE Execute\r\n1,\"" + name + "\",\r\nEND\r\n");
+    view.script.commands.Add(names::kSubroutineExecute, "1,\"" + name + "\",");
+    CheckScriptStructure(view);
+    EXPECT_LT(view.script.commands.Count(), 3 * kMaxRunCommands);
+}
+
 }  // namespace
 }  // namespace lumo::engine

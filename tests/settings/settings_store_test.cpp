@@ -261,5 +261,16 @@ TEST_F(Store, LimitsComeFromTheFile) {
     EXPECT_EQ(Opened().memoryBudgetMegabytes, 512);  // a first start does not touch them
 }
 
+TEST_F(Store, AbsurdLimitsAreAsLargeAsTheyCanBe) {
+    Opened();
+    Edit("MemoryBudgetMegabytes = 0", "MemoryBudgetMegabytes = 9223372036854775807");
+    Edit("MaxPictureSide = 0", "MaxPictureSide = 4294967297");  // must not come out as 1
+    Edit("MaxPictureMegapixels = 0", "MaxPictureMegapixels = -9223372036854775808");
+    const Settings settings = Opened();
+    EXPECT_EQ(settings.memoryBudgetMegabytes, 2147483647);
+    EXPECT_EQ(settings.maxPictureSide, 2147483647);
+    EXPECT_EQ(settings.maxPictureMegapixels, 0);
+}
+
 }  // namespace
 }  // namespace lumo::settings

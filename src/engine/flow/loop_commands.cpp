@@ -120,7 +120,7 @@ Outcome RunExit(CLumoscriptView& view, const Fields&) {
     return Outcome::Succeeded;
 }
 
-/// Reached in a run only where a subroutine file holds one.
+/// A comment. Run lists leave it out, so this is for a walk on the sample.
 Outcome RunScriptInfo(CLumoscriptView& view, const Fields&) {
     if (view.run.inRun) StepNext(view.run);
     return Outcome::Succeeded;

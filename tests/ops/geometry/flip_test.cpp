@@ -31,5 +31,14 @@ TEST(FlipCommands, OnlyTheHorizontalOneIsSkippedInARunBehindAFalseIf) {
     EXPECT_FALSE(test::SamePixels(runner.Main(), test::CoordinateImage({7, 5})));
 }
 
+TEST(FlipCommands, SayWhichOfThemFailed) {
+    test::CommandRunner runner{imaging::Image()};
+    EXPECT_EQ(kFlipHorizontalCommand.run(runner.view, {}), engine::Outcome::Failed);
+    EXPECT_EQ(kFlipVerticalCommand.run(runner.view, {}), engine::Outcome::Failed);
+    ASSERT_EQ(runner.messages.size(), 2u);
+    EXPECT_TRUE(runner.messages[0].starts_with("Cmd_37 Flip Horz L2906:   IS_error "));
+    EXPECT_TRUE(runner.messages[1].starts_with("Cmd_38 Flip Vert L2924:   IS_error "));
+}
+
 }  // namespace
 }  // namespace lumo::ops::geometry

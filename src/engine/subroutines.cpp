@@ -1,0 +1,38 @@
+#include "engine/subroutines.h"
+
+#include "platform/paths.h"
+#include "script/fields.h"
+#include "script/names.h"
+#include "script/script_file.h"
+
+namespace lumo::engine {
+
+namespace names = script::names;
+
+bool IsFileIf(std::string_view name) {
+    return name == names::kIfFirstFile || name == names::kIfLastFile;
+}
+
+bool IsIfStarter(std::string_view name) {
+    return name == names::kIfCondition || IsFileIf(name);
+}
+
+std::string SubroutineNameAt(const script::Script& list, int at) {
+    return script::ParseParams(list.ParamsAt(at)).Text(0);
+}
+
+int FindSubroutine(const script::Script& list, std::string_view name, int from) {
+    for (int i = from; i < list.Count(); ++i)
+        if (list.NameAt(i) == names::kSubroutineStart && SubroutineNameAt(list, i) == name)
+            return i;
+    return -1;
+}
+
+bool AppendSubroutineFrom(const std::string& folder, std::string_view name,
+                          const settings::Settings& settings, script::Script& list) {
+    const std::string native =
+        platform::ParsePath(name, settings.installFolder, settings.folders.temp);
+    return static_cast<bool>(script::AppendSubroutine(folder + "/" + native + ".sbr", list, {}));
+}
+
+}  // namespace lumo::engine
