@@ -1,25 +1,59 @@
 #include "cli/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cctype>
+#include <optional>
 #include <sstream>
+#include <utility>
 
 #include "cli/version.h"
 
 namespace lumo::cli {
 namespace {
 
-/// "/r" and "-R" as "-r"; everything else unchanged. CLI11 takes "/r" for a path, and a path that
-/// begins with "/r" for a switch, unless whole arguments are told apart before it sees them.
-std::string NormaliseSwitch(const std::string& argument) {
-    if (argument.size() != 2 || (argument[0] != '/' && argument[0] != '-')) return argument;
+/// "/r" and "-R" as "-r"; none for what is no switch.
+std::optional<std::string> AsSwitch(const std::string& argument) {
+    if (argument.size() != 2 || (argument[0] != '/' && argument[0] != '-')) return std::nullopt;
     const char letter = static_cast<char>(std::tolower(static_cast<unsigned char>(argument[1])));
-    if (letter != 'r' && letter != 'x' && letter != 's' && letter != 'e') return argument;
+    if (std::string_view("rxse").find(letter) == std::string_view::npos) return std::nullopt;
     return std::string{'-', letter};
+}
+
+/// Arguments told apart by their whole text. CLI11 sees the options alone: it would take "/r" for
+/// a path, a path that begins with "/r" for a switch, and "-web.whs" for four of them.
+struct Arguments {
+    std::vector<std::string> options;
+    std::vector<std::string> paths;
+};
+
+Arguments Sort(const std::vector<std::string>& arguments) {
+    Arguments sorted;
+    bool onlyPaths = false;  // behind "--"
+    for (const std::string& argument : arguments) {
+        if (onlyPaths)
+            sorted.paths.push_back(argument);
+        else if (argument == "--")
+            onlyPaths = true;
+        else if (auto letter = AsSwitch(argument))
+            sorted.options.push_back(std::move(*letter));
+        else if (argument.starts_with("--") || argument == "-h")
+            sorted.options.push_back(argument);
+        else
+            sorted.paths.push_back(argument);
+    }
+    return sorted;
 }
 
 const char* NameOf(Program program) {
     return program == Program::Batch ? "lumoscript-batch" : "lumoscript";
+}
+
+void RefuseUse(CommandLine& line, Program program, std::string_view words) {
+    const std::string name = NameOf(program);
+    line.stop = true;
+    line.exitCode = 2;
+    line.text = name + ": " + std::string(words) + " See " + name + " --help.\n";
 }
 
 constexpr const char* kFooter =
@@ -49,7 +83,8 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments, Program 
                  NameOf(program));
     app.footer(kFooter);
     bool version = false;
-    app.add_option("SCRIPT", line.scriptPath, "Script file (.whs)");
+    std::string shownInHelpOnly;
+    app.add_option("SCRIPT", shownInHelpOnly, "Script file (.whs)");
     app.add_flag("-r", line.autoRun, "run the Script at once");
     app.add_flag("-x", line.autoExit, "end when the run has ended (only with /r)");
     app.add_flag("-s", line.noPrompts, "ask nothing: questions become lines in the logs");
@@ -58,12 +93,10 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments, Program 
     app.add_flag("--quiet", line.quiet, "no summary and no progress");
     app.add_flag("--version", version, "show the version and end");
 
-    // CLI11 takes arguments from the back.
-    std::vector<std::string> reversed;
-    for (auto it = arguments.rbegin(); it != arguments.rend(); ++it)
-        reversed.push_back(NormaliseSwitch(*it));
+    Arguments sorted = Sort(arguments);
+    std::ranges::reverse(sorted.options);  // CLI11 takes arguments from the back
     try {
-        app.parse(reversed);
+        app.parse(sorted.options);
     } catch (const CLI::ParseError& error) {
         std::ostringstream out, err;
         line.stop = true;
@@ -76,20 +109,13 @@ CommandLine ParseCommandLine(const std::vector<std::string>& arguments, Program 
         line.text = VersionText(program);
         return line;
     }
-    if (batch) {
-        line.autoRun = line.autoExit = line.noPrompts = true;
-        if (line.scriptPath.empty()) {
-            line.stop = true;
-            line.exitCode = 2;
-            line.text = "lumoscript-batch: which Script? See lumoscript-batch --help.\n";
-        }
-    }
+    if (batch) line.autoRun = line.autoExit = line.noPrompts = true;
     if (!line.autoRun) line.autoExit = false;
-    if (line.Unattended() && line.scriptPath.empty() && !line.stop) {
-        line.stop = true;
-        line.exitCode = 2;
-        line.text = "lumoscript: which Script is to run? See lumoscript --help.\n";
-    }
+    if (!sorted.paths.empty()) line.scriptPath = sorted.paths.front();
+    if (sorted.paths.size() > 1)
+        RefuseUse(line, program, "one Script at a time.");
+    else if (line.Unattended() && line.scriptPath.empty())
+        RefuseUse(line, program, "which Script is to run?");
     return line;
 }
 

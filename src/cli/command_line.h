@@ -29,8 +29,8 @@ struct CommandLine {
 };
 
 /// Reads the arguments behind the program's name. A switch is a whole argument, "/r" or "-r", in
-/// any case; what begins with "--" is an option; the one thing else is the Script. The batch
-/// program is unattended in any case.
+/// any case; what begins with "--" is an option, as is "-h"; everything else is the Script, and so
+/// is what follows "--". One Script at most. The batch program is unattended in any case.
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments, Program program);
 
 /// Name and version, one line.

@@ -8,12 +8,14 @@
 #include <chrono>
 #include <clocale>
 #include <cstdio>
+#include <ctime>
 
 #include "cli/console_interface.h"
 #include "engine/run_batch.h"
 #include "engine/start.h"
 #include "engine/view.h"
-#include "imaging/parallel.h"
+#include "platform/files.h"
+#include "settings/settings_store.h"
 
 namespace lumo::cli {
 namespace {
@@ -59,6 +61,15 @@ int StatusOf(const engine::RunState& run) {
     return run.errorCount > 0 || run.failureReports > 0 ? kSomeFailed : kAllDone;
 }
 
+/// The end of the program, as the window's close: what "Writer preferences" changed is kept. Where
+/// the first start could not make the file, it said so; a cron job need not hear it twice a run.
+void SaveSettings(engine::CLumoscriptView& view) {
+    if (!platform::FileExists(settings::SettingsPath())) return;
+    for (const std::string& message : settings::SaveSettings(
+             view.settings, settings::SaveKind::Normal, std::time(nullptr)))
+        view.ui.Notice(message);
+}
+
 std::string Count(int number, std::string_view noun) {
     return fmt::format("{} {}{}", number, noun, number == 1 ? "" : "s");
 }
@@ -98,6 +109,7 @@ int RunUnattended(const CommandLine& line, Program program) {
             std::fwrite(text.data(), 1, text.size(), stdout);
         }
     }
+    if (program == Program::Desktop) SaveSettings(view);
     return StatusOf(run);
 }
 

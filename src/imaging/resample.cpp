@@ -8,13 +8,14 @@
 
 #include "imaging/last_error.h"
 #include "imaging/parallel.h"
+#include "imaging/resample_columns.h"
 #include "imaging/resample_kernels.h"
 #include "imaging/resample_weights.h"
 
 namespace lumo::imaging {
 namespace {
 
-using kernels::kMostRows, kernels::kPairSize;
+using kernels::kMostRows;
 
 // The sums of the first axis start from bytes: 22 bits of weight, twice over for filters that
 // overshoot, and 8 of the sample stay below 2^31. Those of the second axis start from 16-bit
@@ -28,39 +29,6 @@ constexpr int kMostFractionBits = 6;
 constexpr std::size_t kTile = 3072;
 static_assert(kTile % (2 * kChannels) == 0, "a tile is made of whole pairs of pixels");
 
-/// One allocation, handed out in pieces that start at cache lines.
-class Scratch {
-  public:
-    template <typename T>
-    static std::size_t Room(std::size_t count) {
-        return (count * sizeof(T) + 63) / 64 * 64;
-    }
-    explicit Scratch(std::size_t bytes) : memory_(PixelBuffer::TryAllocate(bytes)), bytes_(bytes) {}
-    explicit operator bool() const { return static_cast<bool>(memory_); }
-
-    template <typename T>
-    T* Take(std::size_t count) {
-        auto* piece = reinterpret_cast<T*>(memory_.Data() + used_);
-        used_ += Room<T>(count);
-        assert(used_ <= bytes_);
-        return piece;
-    }
-
-  private:
-    PixelBuffer memory_;
-    [[maybe_unused]] std::size_t bytes_ = 0;  // for the assertion only
-    std::size_t used_ = 0;
-};
-
-/// The weights across a row in the form of the kernel, and the shape of its rows of pairs.
-struct ColumnPlan {
-    kernels::ColumnSum sum{};
-    bool twoPhases = false;  // pairs that begin at odd pixels follow those that begin at even ones
-    std::size_t phaseSize = 0;  // 16-bit numbers
-    std::size_t rowSize = 0;
-    PixelBuffer memory;
-};
-
 /// Everything that stays the same from row to row.
 struct Job {
     ConstImageView source;
@@ -69,73 +37,6 @@ struct Job {
     ColumnPlan columns;
     int fractionBits = 0;  // of the samples between the two axes
 };
-
-bool PlanColumns(const AxisWeights& axis, ColumnPlan& plan) {
-    const auto width = static_cast<std::size_t>(axis.target);
-    // Few taps for each of many pixels: a spare pair would cost more than a second layout of the
-    // row.
-    plan.twoPhases = axis.target > axis.source;
-    plan.phaseSize = (static_cast<std::size_t>(axis.source) / 2 + 3) * kPairSize;
-    plan.rowSize = plan.twoPhases ? 2 * plan.phaseSize : plan.phaseSize;
-    const int pairCount = plan.twoPhases ? axis.stride / 2 : axis.taps / 2 + 1;
-    const std::size_t perPixel = static_cast<std::size_t>(pairCount) * kPairSize;
-    plan.memory = PixelBuffer::TryAllocate(Scratch::Room<std::int16_t>(width * perPixel) +
-                                           Scratch::Room<std::int32_t>(width));
-    if (!plan.memory) return false;
-    auto* weights = reinterpret_cast<std::int16_t*>(plan.memory.Data());
-    auto* offsets = reinterpret_cast<std::int32_t*>(plan.memory.Data() +
-                                                    Scratch::Room<std::int16_t>(width * perPixel));
-    std::fill_n(weights, width * perPixel, std::int16_t{0});
-    plan.sum = {axis.target, offsets, weights, pairCount, 0};
-    for (int x = 0; x < axis.target; ++x, weights += perPixel) {
-        const int first = axis.First(x);
-        const int odd = first % 2;
-        offsets[x] = first / 2 * static_cast<int>(kPairSize) +
-                     (plan.twoPhases && odd ? static_cast<int>(plan.phaseSize) : 0);
-        const int lead = plan.twoPhases ? 0 : odd;
-        for (int k = 0; k < axis.taps; ++k) {
-            std::int16_t* pair = weights + static_cast<std::size_t>((k + lead) / 2) * kPairSize;
-            for (int channel = 0; channel < 4; ++channel)
-                pair[2 * channel + (k + lead) % 2] = axis.Weights(x)[k];
-        }
-    }
-    return true;
-}
-
-/// Packs `count` pixels of a row from an even x on; what lies behind the row stays as it is. Rows
-/// of two phases are packed in one go.
-template <typename Sample>
-void PackPart(const ColumnPlan& plan, const Sample* row, std::size_t x, std::size_t count,
-              std::int16_t* pairs) {
-    kernels::PackPairs(row + x * kChannels, count, pairs + x / 2 * kPairSize);
-    if (plan.twoPhases) {
-        assert(x == 0);
-        kernels::PackPairs(row + kChannels, count - 1, pairs + plan.phaseSize);
-    }
-}
-
-/// Rows of pairs for one call of the kernel. They start black, and stay so behind their last pixel.
-struct PairRows {
-    static std::size_t Room(const ColumnPlan& plan) {
-        return Scratch::Room<std::int16_t>(plan.rowSize * kMostRows);
-    }
-    PairRows(const ColumnPlan& plan, Scratch& scratch) {
-        const std::size_t size = plan.rowSize * kMostRows;
-        auto* first = scratch.Take<std::int16_t>(size);
-        std::fill_n(first, size, std::int16_t{0});
-        for (std::size_t i = 0; i < kMostRows; ++i) rows[i] = first + i * plan.rowSize;
-    }
-    std::int16_t* rows[kMostRows];
-};
-
-/// Makes as many rows of the target's width.
-template <typename Out>
-void SumPairs(const ColumnPlan& plan, const PairRows& pairs, int count, int shift,
-              Out* const* out) {
-    kernels::ColumnSum sum = plan.sum;
-    sum.shift = shift;
-    kernels::SumColumns(sum, pairs.rows, count, out);
-}
 
 /// The source rows under target row y; an odd number of taps names its last row twice.
 void ListRows(const Job& job, int y, const std::uint8_t** rows) {

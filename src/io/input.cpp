@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -141,33 +142,11 @@ void ScanFolder(CLumoscriptView& view, const std::string& path, bool recursive) 
 }
 
 bool ExtensionAccepted(const CLumoscriptView& view, std::string_view extension) {
-    const auto on = [&](int field) { return view.inputSettings.Is(field, "1"); };
-    switch (platform::GetExtType(extension)) {
-        case 1:
-            return on(start::kUseJpg);
-        case 2:
-            return on(start::kUseTif);
-        case 3:
-            return on(start::kUseBmp);
-        case 4:
-            return on(start::kUsePng);
-        case 5:
-            return on(start::kUseGif);
-        case 6:
-            return on(start::kUsePcx);
-        case 7:
-            return on(start::kUseTga);
-        case 8:
-            return on(start::kUsePsd);
-        case 9:
-        case 10:
-        case 11:
-            return on(start::kUseWmf);
-        case 13:
-            return on(start::kUseRaw);
-        default:
-            return false;
-    }
+    const int type = platform::GetExtType(extension);
+    return std::ranges::any_of(kFileTypeFlags, [&](const FileTypeFlag& flag) {
+        return type >= flag.firstType && type <= flag.lastType &&
+               view.inputSettings.Is(flag.field, "1");
+    });
 }
 
 void SplitInputPath(CLumoscriptView& view, std::string_view path) {

@@ -1,7 +1,6 @@
 #include "io/input_filters.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <string_view>
 
@@ -15,19 +14,6 @@ namespace {
 
 using engine::CLumoscriptView;
 using script::Fields;
-
-struct TypeTest {
-    int field;
-    int firstType, lastType;
-    std::string_view name;
-};
-constexpr std::array kTypeTests{
-    TypeTest{start::kUseBmp, 3, 3, "BMP"}, TypeTest{start::kUseJpg, 1, 1, "JPG"},
-    TypeTest{start::kUseTga, 7, 7, "TGA"}, TypeTest{start::kUseTif, 2, 2, "TIF"},
-    TypeTest{start::kUsePcx, 6, 6, "PCX"}, TypeTest{start::kUsePng, 4, 4, "PNG"},
-    TypeTest{start::kUseGif, 5, 5, "GIF"}, TypeTest{start::kUseWmf, 9, 11, "WMF"},
-    TypeTest{start::kUsePsd, 8, 8, "PSD"}, TypeTest{start::kUseRaw, 13, 13, "RAW"},
-};
 
 /// Collects the outcome of several tests, all of which run.
 class Verdict {
@@ -69,7 +55,7 @@ bool FilterByFile(CLumoscriptView& view) {
     if (!FiltersActive(fields)) return true;
 
     const int type = view.input.type;
-    for (const TypeTest& test : kTypeTests)
+    for (const FileTypeFlag& test : kFileTypeFlags)
         if (fields.Is(test.field, "0") && type >= test.firstType && type <= test.lastType)
             verdict.Reject(std::string("input ext ").append(test.name));
 

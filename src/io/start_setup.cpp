@@ -19,13 +19,16 @@ constexpr std::string_view kLocations[] = {"Determine at runtime", "Get from Ima
 constexpr std::string_view kListFilter = "Batch list (*.lst)|*.lst|All files (*.*)|*.*||";
 
 constexpr FieldSpec Day(std::string_view factory) {
-    return Integer("DD", factory).Clamp(1, 31);
+    return Integer("DD", factory).Clamp(1, 31).MaxLength(2);
 }
 constexpr FieldSpec Month(std::string_view factory) {
-    return Integer("MM", factory).Clamp(1, 12);
+    return Integer("MM", factory).Clamp(1, 12).MaxLength(2);
 }
 constexpr FieldSpec Year(std::string_view factory) {
-    return Integer("YYYY", factory).Clamp(1980, 2026);
+    return Integer("YYYY", factory).Clamp(1980, 2026).MaxLength(4);
+}
+constexpr FieldSpec Pixels(std::string_view label, std::string_view factory) {
+    return Integer(label, factory).MaxLength(10);
 }
 
 constexpr std::array kFields{
@@ -48,10 +51,10 @@ constexpr std::array kFields{
     Day("1"),
     Month("12"),
     Year("1980"),
-    Integer("Width", "64"),
-    Integer("Height", "48"),
-    Integer("Width", "1280"),
-    Integer("Height", "960"),
+    Pixels("Width", "64"),
+    Pixels("Height", "48"),
+    Pixels("Width", "1280"),
+    Pixels("Height", "960"),
     Flag("Process only images created before this date:", "0"),
     Flag("Process only images created after this date:", "0"),
     Flag("Process only images larger than:", "0"),

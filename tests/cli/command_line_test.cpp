@@ -35,6 +35,33 @@ TEST(CommandLine, APathMayBeginLikeASwitch) {
     }
 }
 
+TEST(CommandLine, AScriptMayBeginWithADash) {
+    for (const char* path : {"-web.whs", "-r.whs", "-rx", "-sex", "-", "/rx", "-q"}) {
+        const CommandLine line = Desktop({"/r", path, "/x", "/s"});
+        EXPECT_FALSE(line.stop) << line.text;
+        EXPECT_EQ(line.scriptPath, path);
+        EXPECT_FALSE(line.forceErrorLog) << path;
+    }
+}
+
+TEST(CommandLine, BehindTwoDashesEverythingIsTheScript) {
+    for (const char* path : {"--odd.whs", "/r", "-h", "--"}) {
+        const CommandLine line = Batch({"--quiet", "--", path});
+        EXPECT_FALSE(line.stop) << line.text;
+        EXPECT_EQ(line.scriptPath, path);
+        EXPECT_TRUE(line.quiet);
+    }
+}
+
+TEST(CommandLine, OptionsAreOurs) {
+    const CommandLine line = Batch({"a.whs", "--debug-log", "--quiet"});
+    EXPECT_TRUE(line.debugLog);
+    EXPECT_TRUE(line.quiet);
+    EXPECT_FALSE(Batch({"a.whs"}).debugLog);
+    EXPECT_FALSE(Batch({"a.whs"}).quiet);
+    EXPECT_EQ(Batch({"-h"}).text, Batch({"--help"}).text);
+}
+
 TEST(CommandLine, SwitchesMayStandBeforeTheScript) {
     const CommandLine line = Desktop({"/x", "/r", "a b.whs", "/s"});
     EXPECT_EQ(line.scriptPath, "a b.whs");
@@ -64,6 +91,12 @@ TEST(CommandLine, WrongUseEndsWithTwo) {
         EXPECT_FALSE(line.text.empty());
     }
     EXPECT_EQ(Desktop({"/r", "/x", "/s"}).exitCode, 2);
+    EXPECT_EQ(Batch({""}).exitCode, 2);
+    EXPECT_FALSE(Desktop({}).stop);  // just the window
+    EXPECT_EQ(Batch({"a.whs", "b.whs"}).text,
+              "lumoscript-batch: one Script at a time. See lumoscript-batch --help.\n");
+    EXPECT_EQ(Desktop({"/r", "/x", "/s"}).text,
+              "lumoscript: which Script is to run? See lumoscript --help.\n");
 }
 
 TEST(CommandLine, HelpTellsSwitchesAndExitStatus) {

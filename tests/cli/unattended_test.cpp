@@ -1,17 +1,12 @@
 // The programs as a user starts them.
 
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 
 #include <csignal>
 #include <filesystem>
 #include <thread>
 
-#include "imaging/codecs/codec.h"
-#include "platform/files.h"
-#include "support/program.h"
-#include "support/temp_folder.h"
-#include "support/test_images.h"
+#include "unattended_fixture.h"
 
 namespace lumo {
 namespace {
@@ -22,44 +17,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
-
-const std::string kBatch = LUMO_BATCH_PROGRAM;
-const std::string kDesktop = LUMO_DESKTOP_PROGRAM;
-
-/// A home of its own, an input folder and a Script.
-class Unattended : public testing::Test {
-  protected:
-    Unattended() { fs::create_directories(folder / "in"); }
-
-    void AddPictures(int count) {
-        const imaging::Image image = test::CoordinateImage({64, 48});
-        const auto bytes = imaging::codecs::EncodePng(image.View(), {});
-        ASSERT_TRUE(bytes);
-        for (int i = 0; i < count; ++i)
-            ASSERT_TRUE(platform::WriteFile(folder / ("in/" + std::to_string(i) + ".png"), *bytes));
-    }
-    std::string MakeScript(const std::string& commands, const std::string& outputs = "") {
-        const std::string start =
-            "START image loop (setup)\r\n32,2,,\"" + (folder / "in") +
-            "\",1,1,1,1,1,1,1,1,1,1,1,12,2024,1,12,1980,64,48,1280,960,0,0,0,0,0,0,0.0,4.0,0,\r\n";
-        const std::string output = outputs.empty() ? "Output setup\r\n11,0,\"" + (folder / "out") +
-                                                         "\",0,png,0,0,,,0,0,1,\r\n"
-                                                   : outputs;
-        const std::string path = folder / "test.whs";
-        test::PutFile(path,
-                      "BEGIN\r\n" + start + commands + output + "END image loop\r\n0\r\nEND\r\n");
-        return path;
-    }
-    std::string Log(const std::string& name) {
-        return test::FileText(folder / ("home/Documents/Lumoscript/Logs/" + name));
-    }
-
-    test::TempFolder folder;
-    test::ScopedVariable home{"HOME", folder / "home"};
-    test::ScopedVariable config{"XDG_CONFIG_HOME", folder / "config"};
-    test::ScopedVariable display{"DISPLAY", nullptr};
-    test::ScopedVariable bus{"DBUS_SESSION_BUS_ADDRESS", nullptr};
-};
 
 TEST_F(Unattended, ARunFromFolderToFolder) {
     AddPictures(3);
@@ -144,11 +101,6 @@ TEST_F(Unattended, HelpGoesToStandardOutput) {
     EXPECT_THAT(result.err, IsEmpty());
 }
 
-/// A Script that never ends, which is its author's right.
-constexpr const char* kEndless =
-    "DO_WHILE (condition)\r\n5,4,2,0,0,0,\r\nCounter (reset or increment)\r\n3,1,1,1,\r\n"
-    "DO_END\r\n0\r\n";
-
 TEST_F(Unattended, SigintEndsAnEndlessRunWithItsLogs) {
     AddPictures(2);
     const auto result = test::RunProgram({kBatch, MakeScript(kEndless), "/e"}, [](int process) {
@@ -180,6 +132,36 @@ TEST_F(Unattended, RunsWithoutAWritableHome) {
         EXPECT_EQ(result.exitStatus, 0) << result.err;
         EXPECT_THAT(test::NamesIn(folder / "out"), ElementsAre("0.png"));
     }
+}
+
+TEST_F(Unattended, ASecondSignalEndsAtOnce) {
+    AddPictures(1);
+    // Colours of so large a picture are counted for seconds, and no command is interrupted.
+    const std::string script =
+        MakeScript("Scale: change image size\r\n6,0,0,4000,4000,3,0,\r\n",
+                   "Output setup\r\n11,0,\"" + (folder / "out") + "\",0,gif,0,0,,,0,0,1,\r\n");
+    const auto result = test::RunProgram({kBatch, script, "/e"}, [](int process) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        kill(process, SIGINT);
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        kill(process, SIGTERM);
+    });
+    EXPECT_EQ(result.exitStatus, 143);
+    EXPECT_EQ(Log("Error.log"), "<missing>");
+    EXPECT_FALSE(fs::exists(folder / "out/0.gif"));
+}
+
+TEST_F(Unattended, OnlyTheDesktopProgramKeepsWhatAScriptSets) {
+    AddPictures(1);
+    const std::string settings = folder / "config/lumoscript/settings.toml";
+    EXPECT_EQ(test::RunProgram({kDesktop, MakeScript(""), "/r", "/x", "/s"}).exitStatus, 0);
+    EXPECT_THAT(test::FileText(settings), HasSubstr("JPGcomp = \"85\""));
+    const std::string changed =
+        MakeScript("Writer preferences\r\n24,300,72,33,0,0,,,,11811,0,0,0,,,,,,,,,1,1,0,0,\r\n");
+    EXPECT_EQ(test::RunProgram({kBatch, changed}).exitStatus, 0);
+    EXPECT_THAT(test::FileText(settings), HasSubstr("JPGcomp = \"85\""));
+    EXPECT_EQ(test::RunProgram({kDesktop, changed, "/r", "/x", "/s"}).exitStatus, 0);
+    EXPECT_THAT(test::FileText(settings), HasSubstr("JPGcomp = \"33\""));
 }
 
 TEST_F(Unattended, DebugLogNamesTheLastCommands) {

@@ -8,7 +8,7 @@
 namespace lumo::imaging::codecs {
 namespace {
 
-using namespace test;  // NOLINT: colours and helpers of the tests of formats
+using namespace test;  // NOLINT: what the tests of formats share
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -1,8 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <string_view>
 #include <thread>
+#include <vector>
 
+#include "imaging/codecs/byte_writer.h"
 #include "imaging/codecs/decoders.h"
 #include "support/decoder_checks.h"
 #include "support/test_files.h"
@@ -82,6 +85,84 @@ TEST(Raw, CutFilesGiveAReasonOrAWarning) {
             EXPECT_TRUE(!result || !result->warning.empty()) << name << ' ' << tenths;
         }
     }
+}
+
+/// A camera file of plain 16-bit values, its header before its pixels, with the pattern RGGB.
+Bytes PlainSensor(std::uint32_t side, std::uint16_t value) {
+    struct Entry {
+        unsigned tag, type, count;
+        Bytes data;
+    };
+    const auto number = [](std::uint32_t n) {
+        ByteWriter out(4);
+        out.U32Le(n);
+        return out.Finish();
+    };
+    const auto text = [](std::string_view words) {
+        return Bytes(words.begin(), words.end());  // the last byte is the closing zero
+    };
+    ByteWriter matrix(9 * 8);  // of signed fractions: the identity
+    for (int i = 0; i < 9; ++i) {
+        matrix.U32Le(i % 4 == 0 ? 1 : 0);
+        matrix.U32Le(1);
+    }
+    constexpr unsigned kByte = 1, kAscii = 2, kShort = 3, kLong = 4, kFraction = 10;
+    constexpr std::uint32_t kData = 1024;
+    const std::vector<Entry> entries{
+        {254, kLong, 1, number(0)},
+        {256, kLong, 1, number(side)},
+        {257, kLong, 1, number(side)},
+        {258, kShort, 1, number(16)},
+        {259, kShort, 1, number(1)},
+        {262, kShort, 1, number(32803)},
+        {271, kAscii, 5, text(std::string_view("Test", 5))},
+        {272, kAscii, 5, text(std::string_view("Cam1", 5))},
+        {273, kLong, 1, number(kData)},
+        {277, kShort, 1, number(1)},
+        {278, kLong, 1, number(side)},
+        {279, kLong, 1, number(side * side * 2)},
+        {33421, kShort, 2, {2, 0, 2, 0}},
+        {33422, kByte, 4, {0, 1, 1, 2}},
+        {50706, kByte, 4, {1, 4, 0, 0}},
+        {50708, kAscii, 5, text(std::string_view("Cam1", 5))},
+        {50721, kFraction, 9, matrix.Finish()},
+    };
+    ByteWriter out(kData + side * side * 2);
+    out.Text("II*");
+    out.U8(0);
+    out.U32Le(8);
+    out.U16Le(static_cast<unsigned>(entries.size()));
+    Bytes behind;
+    const std::size_t behindAt = 8 + 2 + entries.size() * 12 + 4;
+    for (const Entry& entry : entries) {
+        out.U16Le(entry.tag);
+        out.U16Le(entry.type);
+        out.U32Le(entry.count);
+        if (entry.data.size() <= 4) {
+            out.Append(entry.data);
+            out.Zeros(4 - entry.data.size());
+        } else {
+            out.U32Le(static_cast<std::uint32_t>(behindAt + behind.size()));
+            behind.insert(behind.end(), entry.data.begin(), entry.data.end());
+            if (behind.size() % 2 != 0) behind.push_back(0);
+        }
+    }
+    out.U32Le(0);
+    out.Append(behind);
+    out.Zeros(kData - out.Size());
+    for (std::uint32_t i = 0; i < side * side; ++i) out.U16Le(value + i % 3);  // not flat
+    return out.Finish();
+}
+
+TEST(Raw, PlainValuesOfASensorThatIsCutShortAreRefused) {
+    const Bytes whole = PlainSensor(256, 20'000);
+    const auto picture = DecodeRaw(whole, {});
+    ASSERT_TRUE(picture) << picture.Message();
+    EXPECT_EQ(picture->image.Extent(), (Size{256, 256}));
+    EXPECT_EQ(picture->bitsPerPixel, 16);
+    EXPECT_EQ(picture->warning, "");
+    for (std::size_t eighths = 0; eighths < 8; ++eighths)
+        EXPECT_FALSE(DecodeRaw(ByteView(whole).first(whole.size() * eighths / 8), {})) << eighths;
 }
 
 TEST(Raw, LimitsAreObeyedBeforeAnythingIsUnpacked) {

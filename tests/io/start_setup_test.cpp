@@ -20,6 +20,23 @@ TEST(StartSetup, FactoryStringComesFromTheSchema) {
     EXPECT_EQ(script::FactoryString(kStartCommand.spec.fields), kDefault);
 }
 
+TEST(StartSetup, EditsTakeAsMuchAsTheyShow) {
+    const auto longest = [](int field) {
+        return kStartCommand.spec.fields[static_cast<std::size_t>(field)].maxLength;
+    };
+    for (const int day : {start::kBeforeDay, start::kAfterDay}) {
+        EXPECT_EQ(longest(day), 2);
+        EXPECT_EQ(longest(day + 1), 2);  // month
+        EXPECT_EQ(longest(day + 2), 4);  // year
+    }
+    for (int side = start::kMinWidth; side <= start::kMaxHeight; ++side)
+        EXPECT_EQ(longest(side), 10);
+    EXPECT_EQ(longest(start::kMinAspect), 5);
+    EXPECT_EQ(longest(start::kMaxAspect), 5);
+    EXPECT_EQ(longest(start::kListPath), 255);
+    EXPECT_EQ(longest(start::kFolderPath), 255);
+}
+
 TEST(StartSetup, ReadsTheFieldsOfTheDefault) {
     const Fields fields = ParseStartParams(kDefault);
     EXPECT_EQ(fields.Text(start::kLocation), "0");

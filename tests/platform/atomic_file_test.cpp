@@ -1,7 +1,6 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -12,6 +11,7 @@
 #include <thread>
 
 #include "platform/files.h"
+#include "support/file_size_limit.h"
 #include "support/temp_folder.h"
 
 namespace lumo::platform {
@@ -35,24 +35,6 @@ mode_t ModeOf(const std::string& path) {
     EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
     return status.st_mode & 07777;
 }
-
-/// Files may not grow beyond `bytes`: the next best thing to a full disk.
-class ScopedFileSizeLimit {
-  public:
-    explicit ScopedFileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{bytes, before_.rlim_max};
-        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    }
-    ~ScopedFileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-
-  private:
-    rlimit before_{};
-    void (*handler_)(int);
-};
 
 class ScopedMask {
   public:
@@ -224,7 +206,7 @@ TEST(AtomicFile, AFullDiskLeavesTheOldFileAndNothingElse) {
     PutFile(folder / "a", "old");
     const std::string large(300'000, 'x');
     {
-        const ScopedFileSizeLimit limit(100'000);  // the first write is a short one
+        const test::ScopedFileSizeLimit limit(100'000);  // the first write is a short one
         auto file = AtomicFile::Create(folder / "a");
         ASSERT_TRUE(file);
         const Status failed = file->Write(Bytes(large));

@@ -1,13 +1,12 @@
 #include "settings/settings_store.h"
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <csignal>
 #include <filesystem>
 
 #include "store_fixture.h"
+#include "support/file_size_limit.h"
 
 namespace lumo::settings {
 namespace {
@@ -129,16 +128,7 @@ TEST_F(Store, AStoreThatCannotBeWrittenSaysSoTableByTable) {
 TEST_F(Store, AFailedSaveLeavesTheOldFile) {
     Settings settings = Opened();
     const std::string before = FileText(file);
-    const struct rlimit_guard {
-        rlimit_guard() {
-            std::signal(SIGXFSZ, SIG_IGN);
-            getrlimit(RLIMIT_FSIZE, &old);
-            const rlimit small{1000, old.rlim_max};
-            setrlimit(RLIMIT_FSIZE, &small);
-        }
-        ~rlimit_guard() { setrlimit(RLIMIT_FSIZE, &old); }
-        rlimit old{};
-    } fullDisk;
+    const test::ScopedFileSizeLimit fullDisk(1000);
     settings.autoPad = "1";
     const Messages told = SaveSettings(settings, SaveKind::Normal, kNow);
     ASSERT_EQ(told.size(), 7U);

@@ -44,6 +44,7 @@ class RecordingInterface : public engine::UserInterface {
     }
     void SetClipboardText(std::string_view text) override { clipboard = text; }
     std::string ClipboardText() override { return clipboard; }
+    void RebuildRightDisplay() override { ++rightDisplays; }
     void StartTimer2(int milliseconds) override { timers.push_back(milliseconds); }
     void Play(engine::Sound) override { ++sounds; }
     void RunEnded() override { ++runsEnded; }
@@ -58,7 +59,7 @@ class RecordingInterface : public engine::UserInterface {
     std::function<bool(std::string& params, bool& makeDefault)> onDialog;
     std::string clipboard;
     engine::RunCounts lastCounts;
-    int scriptChanges = 0, sounds = 0, runsEnded = 0, quits = 0;
+    int rightDisplays = 0, scriptChanges = 0, sounds = 0, runsEnded = 0, quits = 0;
 
   private:
     bool NextAnswer() {

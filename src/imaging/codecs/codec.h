@@ -39,10 +39,10 @@ enum class Format : std::uint8_t {
 
 /// What a decoder may spend on one file.
 struct DecodeLimits {
-    int maxSide = 65500;                             // pixels
-    std::size_t maxPixels = 500'000'000;             // per picture
-    int maxScans = 100;                              // of a progressive JPG
-    std::size_t maxMemory = std::size_t{2} << 30;    // bytes inside a library
+    int maxSide = 65500;                           // pixels
+    std::size_t maxPixels = 500'000'000;           // per picture
+    int maxScans = 100;                            // of a progressive JPG
+    std::size_t maxMemory = std::size_t{2} << 30;  // bytes inside a library
 };
 
 struct DecodeOptions {
@@ -75,18 +75,19 @@ Result<Decoded> Decode(ByteView file, Format fromExtension, const DecodeOptions&
 // ---- Writers: each gives the whole file. The picture is never empty. --------------------------
 
 struct JpegWriteOptions {
-    int quality = 85;         // 0 to 100, clamped
-    int smoothing = 0;        // 0 to 100, clamped
+    int quality = 85;   // 0 to 100, clamped
+    int smoothing = 0;  // 0 to 100, clamped
     bool progressive = false;
-    double dotsPerInch = 72;  // stored as a whole number, 1 to 65535
+    double dotsPerInch = 72;                     // stored as a whole number, 1 to 65535
     std::vector<std::pair<int, Bytes>> markers;  // code (0xFE, 0xE1 ...) and payload, in file order
 };
 
 struct PngWriteOptions {
-    double gamma = 0;            // the value for gAMA (1 / display gamma); 0: no such chunk
+    double gamma = 0;  // the value for gAMA (1 / display gamma); 0: no such chunk
     double dotsPerMetre = 11811;
     bool interlaced = false;
-    std::vector<std::pair<std::string, std::string>> texts;  // key, text; keys cleaned by the writer
+    std::vector<std::pair<std::string, std::string>>
+        texts;  // key, text; keys cleaned by the writer
 };
 
 enum class TiffCompression : std::uint16_t { None = 1, Lzw = 5, PackBits = 32773 };

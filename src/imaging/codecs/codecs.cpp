@@ -20,19 +20,31 @@ bool StartsWith(ByteView file, std::string_view signature, std::size_t at = 0) {
 
 Decoder DecoderOf(Format format) {
     switch (format) {
-        case Format::Jpeg: return DecodeJpeg;
-        case Format::Tiff: return DecodeTiff;
-        case Format::Bmp: return DecodeBmp;
-        case Format::Png: return DecodePng;
-        case Format::Gif: return DecodeGif;
-        case Format::Pcx: return DecodePcx;
-        case Format::Tga: return DecodeTga;
-        case Format::Psd: return DecodePsd;
+        case Format::Jpeg:
+            return DecodeJpeg;
+        case Format::Tiff:
+            return DecodeTiff;
+        case Format::Bmp:
+            return DecodeBmp;
+        case Format::Png:
+            return DecodePng;
+        case Format::Gif:
+            return DecodeGif;
+        case Format::Pcx:
+            return DecodePcx;
+        case Format::Tga:
+            return DecodeTga;
+        case Format::Psd:
+            return DecodePsd;
         case Format::Wmf:
-        case Format::Apm: return DecodeWmf;
-        case Format::Emf: return DecodeEmf;
-        case Format::Raw: return DecodeRaw;
-        case Format::Unknown: break;
+        case Format::Apm:
+            return DecodeWmf;
+        case Format::Emf:
+            return DecodeEmf;
+        case Format::Raw:
+            return DecodeRaw;
+        case Format::Unknown:
+            break;
     }
     return nullptr;
 }
@@ -47,14 +59,15 @@ Format FormatOfContent(ByteView file) {
     if (StartsWith(file, "8BPS"sv)) return Format::Psd;
     if (StartsWith(file, "BM"sv) || StartsWith(file, "BA"sv)) return Format::Bmp;
     if (StartsWith(file, "\xd7\xcd\xc6\x9a"sv)) return Format::Apm;
-    if (StartsWith(file, "\x01\x00\x00\x00"sv) && StartsWith(file, " EMF"sv, 40)) return Format::Emf;
+    if (StartsWith(file, "\x01\x00\x00\x00"sv) && StartsWith(file, " EMF"sv, 40))
+        return Format::Emf;
     if (StartsWith(file, "\x01\x00\x09\x00"sv) || StartsWith(file, "\x02\x00\x09\x00"sv))
         return Format::Wmf;
     if (StartsWith(file, "FUJIFILMCCD-RAW"sv) || StartsWith(file, "FOVb"sv) ||
         StartsWith(file, "\0MRM"sv) || StartsWith(file, "HEAPCCDR"sv, 6))
         return Format::Raw;
-    if (StartsWith(file, "II*\0"sv) || StartsWith(file, "MM\0*"sv) ||
-        StartsWith(file, "II+\0"sv) || StartsWith(file, "MM\0+"sv))
+    if (StartsWith(file, "II*\0"sv) || StartsWith(file, "MM\0*"sv) || StartsWith(file, "II+\0"sv) ||
+        StartsWith(file, "MM\0+"sv))
         return Format::Tiff;
     if (file.size() >= 128 && file[0] == 10 && file[1] <= 5 && file[2] <= 1) return Format::Pcx;
     return Format::Unknown;

@@ -7,7 +7,7 @@
 namespace lumo::imaging::codecs {
 
 /// Rewrites rows of 8-bit RGB the way PNG compresses them: a byte that names the filter, then the
-/// differences to neighbours (PNG specification, second edition, section 9).
+/// differences to neighbours (ISO/IEC 15948:2004, clause 9).
 class PngRowFilter {
   public:
     enum class Choice : std::uint8_t {
