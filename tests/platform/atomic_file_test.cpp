@@ -1,7 +1,6 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -12,6 +11,7 @@
 #include <thread>
 
 #include "platform/files.h"
+#include "support/file_size_limit.h"
 #include "support/temp_folder.h"
 
 namespace lumo::platform {
@@ -21,6 +21,7 @@ namespace fs = std::filesystem;
 using test::FileText;
 using test::NamesIn;
 using test::PutFile;
+using test::ScopedFileSizeLimit;
 using test::TempFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -35,24 +36,6 @@ mode_t ModeOf(const std::string& path) {
     EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
     return status.st_mode & 07777;
 }
-
-/// Files may not grow beyond `bytes`: the next best thing to a full disk.
-class ScopedFileSizeLimit {
-  public:
-    explicit ScopedFileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{bytes, before_.rlim_max};
-        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    }
-    ~ScopedFileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-
-  private:
-    rlimit before_{};
-    void (*handler_)(int);
-};
 
 class ScopedMask {
   public:
