@@ -45,7 +45,10 @@ class RecordingInterface : public engine::UserInterface {
     void SetClipboardText(std::string_view text) override { clipboard = text; }
     std::string ClipboardText() override { return clipboard; }
     void StartTimer2(int milliseconds) override { timers.push_back(milliseconds); }
-    void Play(engine::Sound) override { ++sounds; }
+    void Play(engine::Sound sound) override {
+        ++sounds;
+        played.push_back(sound);
+    }
     void RunEnded() override { ++runsEnded; }
     void Quit() override { ++quits; }
 
@@ -58,6 +61,7 @@ class RecordingInterface : public engine::UserInterface {
     std::function<bool(std::string& params, bool& makeDefault)> onDialog;
     std::string clipboard;
     engine::RunCounts lastCounts;
+    std::vector<engine::Sound> played;
     int scriptChanges = 0, sounds = 0, runsEnded = 0, quits = 0;
 
   private:
