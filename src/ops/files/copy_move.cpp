@@ -34,7 +34,7 @@ constexpr std::string_view kNameModes[] = {"Use Input filename", "Use AutoNumeri
                                            "Input filename + AutoNumeric"};
 constexpr std::array kFields{
     Choice("Operation", "1", kOperations, kOperationTexts),
-    Folder("Choose image folder for copy/move.", ""),
+    Folder("Image folder", ""),
     Choice("File name", "0", kNameModes),
     Text("Prefix", "").Quoted(),
     Text("Suffix", "").Quoted(),
@@ -117,6 +117,9 @@ Outcome RunCopyMove(CLumoscriptView& view, const Fields& fields) {
                     "Warning:1125 Cmd_20 - Original file no longer exists (Delete/Move?)");
     const std::string folder =
         platform::AddBackSlash(io::ExpandOutputFolder(view, fields.Text(kFolder)));
+    // A zero byte would cut the path short on its way to the file system.
+    if (folder.find('\0') != std::string::npos)
+        return ShellFailure(view, {"A path cannot hold a zero byte", EINVAL});
     if (!io::PrepareOutputFolder(view, folder)) return Outcome::Failed;
     const auto name = BuildTargetName(view, fields);
     if (folder.empty()) return ShellFailure(view, {"No folder for the copy or move", ENOENT});

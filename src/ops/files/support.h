@@ -14,8 +14,8 @@ namespace lumo::ops::files {
 void ReportBlock(engine::CLumoscriptView& view, std::string_view command, const std::string& path,
                  std::string_view text);
 
-/// The path of the input file if it is there. The names that stand for it outside of the image
-/// loop are no files, even if the current folder has some that are called so. None if it is gone.
+/// True if the input file is still there. The names that stand for it outside of the image loop are
+/// no files, even if the current folder has some that are called so.
 bool InputFileExists(const engine::CLumoscriptView& view);
 
 /// Makes an opened picture the working image: 24 bits, grey flag clear.

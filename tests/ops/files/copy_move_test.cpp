@@ -138,6 +138,16 @@ TEST_F(CopyMove, ASeparatorInTheNameIsRefused) {
     EXPECT_THAT(Inputs(), ElementsAre("Cat.JPG"));
 }
 
+TEST_F(CopyMove, AZeroByteCutsNoPathShort) {
+    using namespace std::string_literals;
+    EXPECT_EQ(RunIt({.operation = "0", .folder = out + "\0more"s}), Outcome::Failed);
+    ExpectShellError(EINVAL);
+    EXPECT_EQ(RunIt({.operation = "0", .folder = out, .suffix = "a\0b"s}), Outcome::Failed);
+    ExpectShellError(EINVAL);
+    EXPECT_THAT(Arrived(), IsEmpty());
+    EXPECT_EQ(test::FileText(input), content);
+}
+
 TEST_F(CopyMove, WithoutAFolderNothingMoves) {
     EXPECT_EQ(RunIt({.operation = "0"}), Outcome::Failed);
     ExpectShellError(ENOENT);
