@@ -53,6 +53,9 @@ std::vector<Scenario> Scenarios() {
 class Faults : public testing::TestWithParam<Scenario> {
   protected:
     void SetUp() override {
+#if defined(__SANITIZE_THREAD__)
+        GTEST_SKIP() << "a program that is watched for races takes no preloaded library";
+#endif
         if (GetParam().otherFileSystem && OtherFileSystem().empty())
             GTEST_SKIP() << "no second file system that can be written";
     }
