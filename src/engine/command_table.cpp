@@ -8,6 +8,7 @@
 #include "io/start_setup.h"
 #include "io/writer_preferences.h"
 #include "ops/colour/colour_commands.h"
+#include "ops/files/files_commands.h"
 #include "ops/filters/filters_commands.h"
 #include "ops/geometry/flip.h"
 #include "ops/geometry/geometry_commands.h"
@@ -43,12 +44,12 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kConvertBwThreshold, &ops::colour::kConvertBwThresholdCommand},
     {names::kConvertOneColourTone, &ops::colour::kConvertOneColourToneCommand},
     {names::kConvertSepiaTone, &ops::colour::kConvertSepiaToneCommand},
-    {names::kCopyMove, nullptr},
+    {names::kCopyMove, &ops::files::kCopyMoveCommand},
     {names::kCounter, &flow::kCounterCommand},
     {names::kCountColours, &ops::colour::kCountColoursCommand},
     {names::kCrop, &ops::geometry::kCropCommand},
     {names::kCustomFilter, &ops::filters::kCustomFilterCommand},
-    {names::kDeleteInputFile, nullptr},
+    {names::kDeleteInputFile, &ops::files::kDeleteInputFileCommand},
     {names::kDespeckle, &ops::filters::kDespeckleCommand},
     {names::kDoWhile, &flow::kDoWhileCommand},
     {names::kDoEnd, &flow::kDoEndCommand},
@@ -73,8 +74,8 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kIfFirstFile, &flow::kIfFirstFileCommand},
     {names::kIfLastFile, &flow::kIfLastFileCommand},
     {names::kIfEnd, &flow::kIfEndCommand},
-    {names::kInputTemporary, nullptr},
-    {names::kInputFixedImage, nullptr},
+    {names::kInputTemporary, &ops::files::kInputTemporaryCommand},
+    {names::kInputFixedImage, &ops::files::kInputFixedImageCommand},
     {names::kJpgFileHeader, nullptr},
     {names::kLoopStart, &flow::kLoopStartCommand},
     {names::kLoopEnd, &flow::kLoopEndCommand},
@@ -87,8 +88,8 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kNewCanvas, &ops::geometry::kNewCanvasCommand},
     {names::kNoiseAdd, &ops::overlays::kNoiseAddCommand},
     {names::kOutputSetup, &io::kOutputSetupCommand},
-    {names::kOutputTemporary, nullptr},
-    {names::kReloadImageFile, nullptr},
+    {names::kOutputTemporary, &ops::files::kOutputTemporaryCommand},
+    {names::kReloadImageFile, &ops::files::kReloadImageFileCommand},
     {names::kReplaceColour, &ops::colour::kReplaceColourCommand},
     {names::kRotate90, &ops::geometry::kRotateQuarterCommand},
     {names::kRotateSpecify, &ops::geometry::kRotateSpecifyCommand},

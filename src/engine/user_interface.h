@@ -18,7 +18,7 @@ struct RunCounts {
 /// Parts of the window that a run closes to the user.
 enum class Controls { Open, Closed };
 
-enum class Sound { Asterisk };
+enum class Sound { Asterisk, Recycle };
 
 /// The picture in a message box.
 enum class MessageIcon { None, Warning, Stop };

@@ -59,6 +59,12 @@ Result<std::optional<mode_t>> ModeOfTarget(const std::string& target) {
     return std::optional<mode_t>(status.st_mode & 0777);
 }
 
+Status GiveName(const std::string& temporary, const std::string& target, Existing existing) {
+    if (existing == Existing::Keep) return RenameNoReplace(temporary, target);
+    if (::rename(temporary.c_str(), target.c_str()) != 0) return SystemError(target, errno);
+    return Done{};
+}
+
 bool CannotSync(int errorNumber) {
     return errorNumber == EINVAL || errorNumber == ENOSYS || errorNumber == ENOTSUP;
 }
@@ -79,6 +85,11 @@ Status SyncFolderOf(const std::string& target) {
 }
 
 }  // namespace
+
+Status CheckReplaceable(const std::string& target) {
+    const auto mode = ModeOfTarget(target);
+    return mode ? Status(Done{}) : Status(mode.Reason());
+}
 
 bool IsTemporaryName(std::string_view name) {
     return name.size() == kPrefix.size() + kRandomLetters + kSuffix.size() &&
@@ -113,9 +124,9 @@ void AtomicFile::Discard() {
     ::unlink(temporary_.c_str());
 }
 
-Result<AtomicFile> AtomicFile::Create(const std::string& target) {
+Result<AtomicFile> AtomicFile::Create(const std::string& target, unsigned newMode) {
     const auto mode = ModeOfTarget(target);
-    if (!mode) return Error{mode.Message()};
+    if (!mode) return mode.Reason();
     AtomicFile file;
     file.target_ = target;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
@@ -123,7 +134,7 @@ Result<AtomicFile> AtomicFile::Create(const std::string& target) {
         file.descriptor_ = Uninterrupted([&] {
             return ::open(file.temporary_.c_str(),
                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                          mode->value_or(0666));
+                          mode->value_or(newMode));
         });
         if (file.descriptor_ >= 0) break;
         if (errno != EEXIST) return SystemError(target, errno);
@@ -149,7 +160,7 @@ Status AtomicFile::Write(std::span<const std::uint8_t> bytes) {
     return Done{};
 }
 
-Status AtomicFile::Commit(Durability durability) {
+Status AtomicFile::Commit(Durability durability, Existing existing) {
     if (descriptor_ < 0) return SystemError(target_, EBADF);
     const bool sync = durability == Durability::Sync;
     if (sync && Uninterrupted([&] { return ::fsync(descriptor_); }) != 0 && !CannotSync(errno)) {
@@ -158,11 +169,12 @@ Status AtomicFile::Commit(Durability durability) {
         return SystemError(target_, reason);
     }
     // Network file systems report a full disk here. After EINTR the descriptor is gone as well.
-    int reason = ::close(std::exchange(descriptor_, -1)) == 0 || errno == EINTR ? 0 : errno;
-    if (reason == 0 && ::rename(temporary_.c_str(), target_.c_str()) != 0) reason = errno;
-    if (reason != 0) {
+    Status named = ::close(std::exchange(descriptor_, -1)) == 0 || errno == EINTR
+                       ? GiveName(temporary_, target_, existing)
+                       : Status(SystemError(target_, errno));
+    if (!named) {
         ::unlink(temporary_.c_str());
-        return SystemError(target_, reason);
+        return named;
     }
     return sync ? SyncFolderOf(target_) : Status(Done{});
 }
@@ -170,7 +182,7 @@ Status AtomicFile::Commit(Durability durability) {
 Status WriteFile(const std::string& path, std::span<const std::uint8_t> bytes,
                  Durability durability) {
     auto file = AtomicFile::Create(path);
-    if (!file) return Error{file.Message()};
+    if (!file) return file.Reason();
     Status written = file->Write(bytes);
     return written ? file->Commit(durability) : written;
 }

@@ -43,7 +43,7 @@ Status ReadAll(int descriptor, const std::string& path, std::uint64_t maxBytes,
         if (got < 0) return SystemError(path, errno);
         if (got == 0) break;
         filled += static_cast<std::size_t>(got);
-        if (filled > maxBytes) return PathError(path, "The file is too large");
+        if (filled > maxBytes) return PathError(path, "The file is too large", EFBIG);
     }
     bytes.resize(filled);
     return Done{};
@@ -59,11 +59,11 @@ Result<Bytes> ReadWhole(const std::string& path, std::uint64_t maxBytes) {
     if (S_ISDIR(status.st_mode)) return SystemError(path, EISDIR);
     if (!S_ISREG(status.st_mode)) return PathError(path, "Not a plain file");
     const auto stated = static_cast<std::uint64_t>(status.st_size);
-    if (stated > maxBytes) return PathError(path, "The file is too large");
+    if (stated > maxBytes) return PathError(path, "The file is too large", EFBIG);
     try {
         Bytes bytes;
         Status read = ReadAll(descriptor, path, maxBytes, stated, bytes);
-        if (!read) return Error{read.Message()};
+        if (!read) return read.Reason();
         return bytes;
     } catch (const std::bad_alloc&) {
         return SystemError(path, ENOMEM);
@@ -198,11 +198,20 @@ Status RenameNoReplace(const std::string& from, const std::string& to) {
         return Done{};
     }
     if (errno != EINVAL && errno != ENOSYS) return SystemError(to, errno);
-    // Not every file system can do both in one step.
+    // Not every file system knows that step. A second name is never given to what has one, either.
+    if (::linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), 0) == 0) return RemoveFile(from);
+    if (errno == EEXIST || errno == ENOSPC || errno == EIO) return SystemError(to, errno);
     struct stat status{};
     if (::lstat(to.c_str(), &status) == 0) return SystemError(to, EEXIST);
     if (::rename(from.c_str(), to.c_str()) != 0) return SystemError(to, errno);
     return Done{};
+}
+
+bool IsSameFile(const std::string& left, const std::string& right) {
+    struct stat leftStatus{};
+    struct stat rightStatus{};
+    return ::stat(left.c_str(), &leftStatus) == 0 && ::stat(right.c_str(), &rightStatus) == 0 &&
+           SameFile(leftStatus, rightStatus);
 }
 
 std::optional<std::string> TrueName(const std::string& path) {

@@ -50,6 +50,20 @@ enum class Durability {
     Sync,    // and against a loss of power
 };
 
+/// What becomes of a file that has the name already.
+enum class Existing {
+    Replace,
+    Keep,  // the operation fails with EEXIST, for a dangling link too
+};
+
+/// True if both paths lead to one file: over links, hard links, folders of two names, or another
+/// spelling where the file system ignores case.
+bool IsSameFile(const std::string& left, const std::string& right);
+
+/// Whether a file may take that name: Done if nothing stands there, or a plain file that the user
+/// may write, or a link (which is replaced, not followed) that leads to no folder.
+Status CheckReplaceable(const std::string& target);
+
 /// A file that is written beside its target under a temporary name and renamed over it by Commit;
 /// without Commit nothing is left. The temporary is opened exclusively and never through a link;
 /// its name is one that a folder scan never enlists. An existing target keeps its mode; one that
@@ -61,11 +75,15 @@ class AtomicFile {
     AtomicFile& operator=(AtomicFile&& other) noexcept;
     ~AtomicFile();
 
-    /// Fails at once where the folder does not exist or cannot be written.
-    static Result<AtomicFile> Create(const std::string& target);
+    /// Fails at once where the folder does not exist or cannot be written. `newMode`, less the mask
+    /// of the process, is the mode of a file that replaces none.
+    static Result<AtomicFile> Create(const std::string& target, unsigned newMode = 0666);
     /// After a failure the temporary is gone, and so is the chance to commit.
     Status Write(std::span<const std::uint8_t> bytes);
-    Status Commit(Durability durability);
+    Status Commit(Durability durability, Existing existing = Existing::Replace);
+
+    /// Of the temporary, for what Write cannot do; owned by this object.
+    int Descriptor() const { return descriptor_; }
 
   private:
     void Discard();

@@ -10,6 +10,7 @@ namespace lumo::platform {
 /// Why something failed, as one line that a user can read.
 struct Error {
     std::string message;
+    int number = 0;  // of the system (errno), where it is one
 };
 
 /// The value of an operation, or the reason why there is none.
@@ -28,9 +29,10 @@ class [[nodiscard]] Result {
     const T* operator->() const { return &std::get<T>(state_); }
 
     /// The reason; only of a result that holds no value.
-    const std::string& Message() const {
+    const std::string& Message() const { return Reason().message; }
+    const Error& Reason() const {
         assert(!*this);
-        return std::get<Error>(state_).message;
+        return std::get<Error>(state_);
     }
 
   private:

@@ -6,12 +6,12 @@
 
 namespace lumo::platform {
 
-Error PathError(std::string_view path, std::string_view reason) {
-    return {Printable(path).append(": ").append(reason)};
+Error PathError(std::string_view path, std::string_view reason, int errorNumber) {
+    return {Printable(path).append(": ").append(reason), errorNumber};
 }
 
 Error SystemError(std::string_view path, int errorNumber) {
-    return PathError(path, std::generic_category().message(errorNumber));
+    return PathError(path, std::generic_category().message(errorNumber), errorNumber);
 }
 
 }  // namespace lumo::platform

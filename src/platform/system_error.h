@@ -10,8 +10,9 @@
 
 namespace lumo::platform {
 
-/// "path: reason", with control characters of the path shown as "?".
-Error PathError(std::string_view path, std::string_view reason);
+/// "path: reason", with control characters of the path shown as "?". `errorNumber` is the one that
+/// comes nearest.
+Error PathError(std::string_view path, std::string_view reason, int errorNumber = EINVAL);
 /// The same with the system's words for an error number.
 Error SystemError(std::string_view path, int errorNumber);
 

@@ -14,6 +14,7 @@ namespace {
 // Where the default parameter strings keep the folder of an input or output.
 constexpr int kInputFolderField = 2;
 constexpr int kOutputFolderField = 1;
+constexpr int kCopyFolderField = 1;
 
 std::string DefaultFolder(const Settings& settings, std::string_view key, int field) {
     const auto found = settings.commandDefaults.find(key);
@@ -49,7 +50,8 @@ platform::Result<int> EmptyTempFolder(const Settings& settings,
                                    platform::HomeFolder(),
                                    platform::DocumentsFolder(),
                                    DefaultFolder(settings, "STARTDef", kInputFolderField),
-                                   DefaultFolder(settings, "OutlocDef", kOutputFolderField)};
+                                   DefaultFolder(settings, "OutlocDef", kOutputFolderField),
+                                   DefaultFolder(settings, "Copy", kCopyFolderField)};
     never.insert(never.end(), alsoNever.begin(), alsoNever.end());
 
     const auto own = platform::FolderIdentity(DataFolder(settings) + "/Temp");

@@ -21,6 +21,7 @@ namespace fs = std::filesystem;
 using test::FileText;
 using test::NamesIn;
 using test::PutFile;
+using test::ScopedFileSizeLimit;
 using test::TempFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -40,7 +40,7 @@ const std::map<std::string, std::set<std::string>>& Allowed() {
         map["settings"] = {"settings", "script", "platform"};
         map["state"] = {"state", "settings", "script", "imaging", "platform"};
         map["io"] = {"io", "state", "settings", "script", "imaging", "platform"};
-        for (const char* family : {"colour", "geometry", "filters", "overlays"})
+        for (const char* family : {"colour", "files", "geometry", "filters", "overlays"})
             map[std::string("ops/") + family] = {std::string("ops/") + family,
                                                  "ops",
                                                  "io",
@@ -50,9 +50,9 @@ const std::map<std::string, std::set<std::string>>& Allowed() {
                                                  "imaging",
                                                  "platform"};
         map["ops"] = {"ops", "io", "state", "settings", "script", "imaging", "platform"};
-        map["driver"] = {"driver",     "state",        "io",          "ops",
-                         "ops/colour", "ops/geometry", "ops/filters", "ops/overlays",
-                         "settings",   "script",       "imaging",     "platform"};
+        map["driver"] = {"driver",    "state",        "io",          "ops",          "ops/colour",
+                         "ops/files", "ops/geometry", "ops/filters", "ops/overlays", "settings",
+                         "script",    "imaging",      "platform"};
         map["cli"] = map["driver"];
         map["cli"].insert({"cli", "generated"});
         map["ui"] = map["driver"];

@@ -67,6 +67,8 @@ TEST_F(Slots, AreNotLookedForWherePicturesAre) {
     EXPECT_TRUE(refused());
     settings.commandDefaults["OutlocDef"] = "11,0,\"" + pictures + "\",0,jpg,";
     EXPECT_TRUE(refused());
+    settings.commandDefaults["Copy"] = "6,1,\"" + pictures + "\",0,,,1,";
+    EXPECT_TRUE(refused());
     {
         const test::ScopedVariable elsewhere("HOME", pictures);
         EXPECT_TRUE(refused());

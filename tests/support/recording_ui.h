@@ -46,7 +46,10 @@ class RecordingInterface : public engine::UserInterface {
     std::string ClipboardText() override { return clipboard; }
     void RebuildRightDisplay() override { ++rightDisplays; }
     void StartTimer2(int milliseconds) override { timers.push_back(milliseconds); }
-    void Play(engine::Sound) override { ++sounds; }
+    void Play(engine::Sound sound) override {
+        ++sounds;
+        played.push_back(sound);
+    }
     void RunEnded() override { ++runsEnded; }
     void Quit() override { ++quits; }
 
@@ -59,6 +62,7 @@ class RecordingInterface : public engine::UserInterface {
     std::function<bool(std::string& params, bool& makeDefault)> onDialog;
     std::string clipboard;
     engine::RunCounts lastCounts;
+    std::vector<engine::Sound> played;
     int rightDisplays = 0, scriptChanges = 0, sounds = 0, runsEnded = 0, quits = 0;
 
   private:

@@ -1,6 +1,8 @@
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -12,8 +14,9 @@ namespace lumo::test {
 
 namespace fs = std::filesystem;
 
-TempFolder::TempFolder() {
-    path_ = (fs::temp_directory_path() / "lumo-test-XXXXXX").string();
+TempFolder::TempFolder() : TempFolder(fs::temp_directory_path().string()) {}
+
+TempFolder::TempFolder(const std::string& parent) : path_(parent + "/lumo-test-XXXXXX") {
     if (mkdtemp(path_.data()) == nullptr) {
         ADD_FAILURE() << "no folder " << path_;
         std::abort();  // a test without its folder would write elsewhere
@@ -23,6 +26,20 @@ TempFolder::TempFolder() {
 TempFolder::~TempFolder() {
     std::error_code ignored;
     fs::remove_all(path_, ignored);
+}
+
+std::string OtherFileSystem() {
+    struct stat own{};
+    if (stat(fs::temp_directory_path().c_str(), &own) != 0) return {};
+    const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
+    const char* const home = std::getenv("HOME");
+    for (const char* folder : {"/dev/shm", "/run/shm", runtime, "/tmp", "/var/tmp", home}) {
+        struct stat other{};
+        if (folder != nullptr && stat(folder, &other) == 0 && other.st_dev != own.st_dev &&
+            access(folder, W_OK | X_OK) == 0)
+            return folder;
+    }
+    return {};
 }
 
 ScopedVariable::ScopedVariable(const char* name, const char* value) : name_(name) {

@@ -10,6 +10,8 @@ namespace lumo::test {
 class TempFolder {
   public:
     TempFolder();
+    /// In that folder instead of the system's one for temporary files.
+    explicit TempFolder(const std::string& parent);
     ~TempFolder();
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
@@ -21,6 +23,10 @@ class TempFolder {
   private:
     std::string path_;
 };
+
+/// A folder that can be written and lies on another file system than those of TempFolder; empty
+/// where the machine has none.
+std::string OtherFileSystem();
 
 /// Sets (or, with a null pointer, removes) a variable of the environment for the life of the
 /// object.
