@@ -52,8 +52,9 @@ enum class Durability {
 
 /// A file that is written beside its target under a temporary name and renamed over it by Commit;
 /// without Commit nothing is left. The temporary is opened exclusively and never through a link;
-/// its name is one that a folder scan never enlists. An existing target keeps its mode; one that
-/// the user may not write, a folder and a device are refused; a link is replaced, not followed.
+/// its name is one that a folder scan never enlists. An existing target keeps its mode, and its
+/// owner where the system allows that; one that the user may not write, a folder and a device are
+/// refused; a link is replaced, not followed.
 class AtomicFile {
   public:
     AtomicFile() = default;
@@ -63,16 +64,28 @@ class AtomicFile {
 
     /// Fails at once where the folder does not exist or cannot be written.
     static Result<AtomicFile> Create(const std::string& target);
+    /// The same; the temporary has that name as long as nothing else in the folder has it.
+    static Result<AtomicFile> Create(const std::string& target, std::string_view temporaryName);
+    /// Gives the temporary the labels and access lists of a file, as far as the system allows.
+    void TakeAttributes(const std::string& from);
     /// After a failure the temporary is gone, and so is the chance to commit.
     Status Write(std::span<const std::uint8_t> bytes);
     Status Commit(Durability durability);
+    /// The two steps of Commit, for those who tell their failures apart: the temporary is complete
+    /// and closed; then it gets its name, with the number of the system's error where it fails
+    /// (0: done).
+    Status Finish(Durability durability);
+    int Replace(Durability durability);
 
   private:
     void Discard();
     int descriptor_ = -1;
     std::string target_;
-    std::string temporary_;
+    std::string temporary_;  // empty: there is none, or no more
 };
+
+/// Says why AtomicFile could not put another file in the place of that one, if so.
+Status CheckReplaceable(const std::string& path);
 
 /// AtomicFile in one call.
 Status WriteFile(const std::string& path, std::span<const std::uint8_t> bytes,
@@ -90,7 +103,11 @@ struct FolderEntry {
 /// left out. Empty for a folder that cannot be read.
 std::vector<FolderEntry> ListFolder(const std::string& path);
 
-/// True for the temporary names of AtomicFile.
+/// The temporary of a picture whose header is rewritten beside it. Users of earlier programs know
+/// it, should they ever meet it.
+inline constexpr std::string_view kRewriteName = "temp83S04L51.jpg";
+
+/// True for the temporary names of AtomicFile, and for kRewriteName.
 bool IsTemporaryName(std::string_view name);
 
 /// Makes all missing folders of a path.
