@@ -149,10 +149,28 @@ TEST(AddProperties, SubTablesThatCannotBeReadAreLeftAlone) {
         const std::string old = "Exif\0\0II*\0"s + N(8, 4) + N(1, 2) + N(0x8769, 2) + N(4, 2) +
                                 N(1, 4) + N(place, 4) + N(0, 4);
         const std::string changed = Added(old, {.title = "T"});
-        EXPECT_THAT(changed, HasSubstr(N(0x8769, 2) + N(4, 2) + N(1, 4) + N(place, 4)));
+        const std::uint32_t kept = place < 26 ? place : 0xFFFFFFFF;
+        EXPECT_THAT(changed, HasSubstr(N(0x8769, 2) + N(4, 2) + N(1, 4) + N(kept, 4)));
         EXPECT_THAT(changed, Not(HasSubstr(N(0xA005, 2))));
         EXPECT_THAT(TablesOf(changed).texts[0], HasSubstr("0x9c9b XPTitle: T\n"));
     }
+}
+
+TEST(AddProperties, WhatLeadsOutOfTheBlockDoesNotLeadIntoItsNewEnd) {
+    const auto block = [](std::uint32_t place) {
+        return "Exif\0\0II*\0"s + N(8, 4) + N(4, 2) +                         //
+               N(0x10E, 2) + N(2, 2) + N(5, 4) + N(place, 4) +                // a text
+               N(0x110, 2) + N(99, 2) + N(5, 4) + N(place, 4) +               // of no known type
+               N(0x112, 2) + N(3, 2) + N(1, 4) + N(place & 0xFFFF, 4) +       // no place at all
+               N(0x8825, 2) + N(4, 2) + N(1, 4) + N(place, 4) + N(place, 4);  // tables
+    };
+    const std::string changed = Added(block(70), {.title = "T"});
+    EXPECT_THAT(changed, HasSubstr(N(0x10E, 2) + N(2, 2) + N(5, 4) + N(0xFFFFFFFF, 4) +
+                                   N(0x110, 2) + N(99, 2) + N(5, 4) + N(70, 4) + N(0x112, 2) +
+                                   N(3, 2) + N(1, 4) + N(70, 4)));
+    EXPECT_THAT(changed, HasSubstr(N(0x8825, 2) + N(4, 2) + N(1, 4) + N(0xFFFFFFFF, 4)));
+    EXPECT_THAT(changed, HasSubstr("T\0\0\0"s + N(0xFFFFFFFF, 4)));  // behind the last entry
+    EXPECT_THAT(Added(block(12), {.title = "T"}), Not(HasSubstr(N(0xFFFFFFFF, 4))));
 }
 
 TEST(AddProperties, RefusesADamagedBlock) {

@@ -22,6 +22,9 @@ constexpr std::size_t kFirstTableAt = 4;  // where a block says where its main t
 constexpr std::uint16_t kTitle = 0x9C9B, kComments = 0x9C9C, kAuthor = 0x9C9D, kKeywords = 0x9C9E,
                         kSubject = 0x9C9F;
 constexpr std::uint16_t kExifTable = 0x8769, kInteroperabilityTable = 0xA005;
+constexpr std::array<std::uint16_t, 4> kTablePointers{kExifTable, kInteroperabilityTable, 0x8825,
+                                                      0x14A};  // the others: places, further ones
+constexpr std::array<std::uint8_t, 4> kNowhere{0xFF, 0xFF, 0xFF, 0xFF};
 constexpr std::uint16_t kByte = 1, kLong = 4, kTable = 13;
 constexpr std::array<std::uint8_t, 14> kBytesOfType{0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
 
@@ -76,6 +79,7 @@ class ExifBlock {
 
   private:
     bool ReadTable(TableState& table);
+    bool LeadsOut(const Entry& entry) const;
     void ReadSubTable(Table table);
     void DropOwnEnd();
     std::optional<ByteView> OutsideValue(const Entry& entry) const;
@@ -93,9 +97,11 @@ bool ExifBlock::ReadTable(TableState& table) {
     for (std::size_t i = 0; i < count; ++i, from += kTiffEntryBytes) {
         Entry entry{words_.Get16(from), words_.Get16(from + 2), words_.Get32(from + 4)};
         std::copy_n(from + 8, entry.field.size(), entry.field.begin());
+        if (LeadsOut(entry)) entry.field = kNowhere;
         table.entries.push_back(std::move(entry));
     }
     std::copy_n(from, table.next.size(), table.next.begin());
+    if (words_.Get32(from) >= block_.size()) table.next = kNowhere;
     table.present = true;
     return true;
 }
@@ -110,6 +116,17 @@ void ExifBlock::ReadSubTable(Table which) {
     const bool isPlace = pointer->type == kLong || pointer->type == kTable;
     if (isPlace && pointer->count == 1 && !twice && ReadTable(table)) return;
     table = {.untouched = true};
+}
+
+/// True if the value or table that an entry points at is not in the block. It must not be found
+/// there either when the block has grown, so such a place is replaced by one beyond any block.
+bool ExifBlock::LeadsOut(const Entry& entry) const {
+    if (entry.type >= kBytesOfType.size()) return false;
+    const std::uint64_t bytes = std::uint64_t{entry.count} * kBytesOfType[entry.type];
+    const std::size_t at = words_.Get32(entry.field.data());
+    const bool pointsAtTable = std::ranges::find(kTablePointers, entry.tag) != kTablePointers.end();
+    if (bytes <= 4) return pointsAtTable && at >= block_.size();
+    return at > block_.size() || block_.size() - at < bytes;
 }
 
 /// The value of an entry that lies outside of it; none if it lies in the entry or nowhere.
