@@ -4,6 +4,7 @@
 
 #include "engine/flow/flow_commands.h"
 #include "io/batch_log_comments.h"
+#include "io/jpg_header.h"
 #include "io/output_setup.h"
 #include "io/start_setup.h"
 #include "io/writer_preferences.h"
@@ -75,7 +76,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kIfEnd, &flow::kIfEndCommand},
     {names::kInputTemporary, nullptr},
     {names::kInputFixedImage, nullptr},
-    {names::kJpgFileHeader, nullptr},
+    {names::kJpgFileHeader, &io::kJpgHeaderCommand},
     {names::kLoopStart, &flow::kLoopStartCommand},
     {names::kLoopEnd, &flow::kLoopEndCommand},
     {names::kMaskOverlay, &ops::overlays::kMaskOverlayCommand},

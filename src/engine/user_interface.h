@@ -29,6 +29,10 @@ class UserInterface {
 
     /// A message box with one button.
     virtual void ShowMessage(std::string_view text) = 0;
+    /// A window with a text of many lines, as they stand.
+    virtual void ShowReport(std::string_view title, std::string_view text) {
+        static_cast<void>(title), static_cast<void>(text);
+    }
     /// A question with Yes and No; false is No.
     virtual bool Ask(std::string_view question) = 0;
 

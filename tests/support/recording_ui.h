@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/user_interface.h"
@@ -12,6 +13,9 @@ namespace lumo::test {
 class RecordingInterface : public engine::UserInterface {
   public:
     void ShowMessage(std::string_view text) override { messages.emplace_back(text); }
+    void ShowReport(std::string_view title, std::string_view text) override {
+        reports.emplace_back(title, text);
+    }
     bool Ask(std::string_view question) override {
         questions.emplace_back(question);
         return NextAnswer();
@@ -37,6 +41,7 @@ class RecordingInterface : public engine::UserInterface {
 
     std::deque<bool> answers;
     std::vector<std::string> messages, questions, notices, titles, statuses, sizeTexts;
+    std::vector<std::pair<std::string, std::string>> reports;  // title, text
     std::vector<int> selected, edited, prompted, timers;
     engine::RunCounts lastCounts;
     int sounds = 0, runsEnded = 0, quits = 0;
