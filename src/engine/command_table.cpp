@@ -4,6 +4,7 @@
 
 #include "engine/flow/flow_commands.h"
 #include "io/batch_log_comments.h"
+#include "io/jpg_header.h"
 #include "io/output_setup.h"
 #include "io/start_setup.h"
 #include "io/writer_preferences.h"
@@ -76,7 +77,7 @@ constexpr std::array<CommandRow, 91> kCommands{{
     {names::kIfEnd, &flow::kIfEndCommand},
     {names::kInputTemporary, &ops::files::kInputTemporaryCommand},
     {names::kInputFixedImage, &ops::files::kInputFixedImageCommand},
-    {names::kJpgFileHeader, nullptr},
+    {names::kJpgFileHeader, &io::kJpgHeaderCommand},
     {names::kLoopStart, &flow::kLoopStartCommand},
     {names::kLoopEnd, &flow::kLoopEndCommand},
     {names::kMaskOverlay, &ops::overlays::kMaskOverlayCommand},

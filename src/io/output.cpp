@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "imaging/codecs/codec.h"
+#include "imaging/codecs/stored_metadata.h"
 #include "imaging/last_error.h"
 #include "io/run_logs.h"
 #include "platform/files.h"
@@ -52,7 +53,7 @@ codecs::JpegWriteOptions JpegOptions(const CLumoscriptView& view) {
             .smoothing = ParseInteger(writer.jpgSmoothing),
             .progressive = ParseInteger(writer.jpgEncoding) == 1,
             .dotsPerInch = static_cast<double>(ParseInteger(writer.jpgDpi)),
-            .markers = view.metadata.jpgOutput};
+            .markers = codecs::MarkersForNewPicture(view.metadata.jpgOutput)};
 }
 
 /// Fills the store of texts for the output: those of the input, then those of the settings.

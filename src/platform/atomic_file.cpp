@@ -1,8 +1,10 @@
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstring>
 #include <optional>
 #include <random>
 
@@ -33,13 +35,19 @@ std::string RandomName() {
     return name.append(kSuffix);
 }
 
-// The mode that the new file takes over, none if it replaces nothing (or a mere link).
-Result<std::optional<mode_t>> ModeOfTarget(const std::string& target) {
+struct Rights {
+    mode_t mode = 0666;
+    uid_t owner = 0;
+    gid_t group = 0;
+};
+
+// What the new file takes over, none if it replaces nothing (or a mere link).
+Result<std::optional<Rights>> RightsOfTarget(const std::string& target) {
     const std::size_t slash = target.rfind('/');
     if (target.empty() || slash + 1 == target.size()) return SystemError(target, EISDIR);
     struct stat status{};
     if (::lstat(target.c_str(), &status) != 0) {
-        if (errno == ENOENT) return std::optional<mode_t>();
+        if (errno == ENOENT) return std::optional<Rights>();
         return SystemError(target, errno);
     }
     if (S_ISLNK(status.st_mode)) {
@@ -47,7 +55,7 @@ Result<std::optional<mode_t>> ModeOfTarget(const std::string& target) {
         if (::stat(target.c_str(), &behind) == 0 && S_ISDIR(behind.st_mode)) {
             return SystemError(target, EISDIR);
         }
-        return std::optional<mode_t>();
+        return std::optional<Rights>();
     }
     if (S_ISDIR(status.st_mode)) return SystemError(target, EISDIR);
     // A rename would put a file in the place of a device or pipe.
@@ -56,7 +64,15 @@ Result<std::optional<mode_t>> ModeOfTarget(const std::string& target) {
     if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) {
         return SystemError(target, errno);
     }
-    return std::optional<mode_t>(status.st_mode & 0777);
+    return std::optional<Rights>({status.st_mode & 0777, status.st_uid, status.st_gid});
+}
+
+// Only a system's administrator may give files away, and not on every file system; the group is
+// what others can keep. A change of owner may take bits of the mode away, so that comes last.
+void TakeRights(int descriptor, const Rights& rights) {
+    if (::fchown(descriptor, rights.owner, rights.group) != 0)
+        (void)!::fchown(descriptor, static_cast<uid_t>(-1), rights.group);
+    (void)::fchmod(descriptor, rights.mode);  // the mask of the process may have cut it
 }
 
 Status GiveName(const std::string& temporary, const std::string& target, Existing existing) {
@@ -69,8 +85,8 @@ bool CannotSync(int errorNumber) {
     return errorNumber == EINVAL || errorNumber == ENOSYS || errorNumber == ENOTSUP;
 }
 
-// A folder that cannot be opened for reading, or a file system without this service, is no
-// failure: the file stands under its name.
+// A folder that cannot be opened for reading, or a file system without this service, is no failure:
+// the file stands under its name.
 Status SyncFolderOf(const std::string& target) {
     const std::string folder = FolderPart(target);
     const int descriptor = Uninterrupted([&] {
@@ -87,11 +103,12 @@ Status SyncFolderOf(const std::string& target) {
 }  // namespace
 
 Status CheckReplaceable(const std::string& target) {
-    const auto mode = ModeOfTarget(target);
-    return mode ? Status(Done{}) : Status(mode.Reason());
+    const auto rights = RightsOfTarget(target);
+    return rights ? Status(Done{}) : Status(rights.Reason());
 }
 
 bool IsTemporaryName(std::string_view name) {
+    if (name == kRewriteName) return true;
     return name.size() == kPrefix.size() + kRandomLetters + kSuffix.size() &&
            name.substr(0, kPrefix.size()) == kPrefix &&
            name.substr(name.size() - kSuffix.size()) == kSuffix &&
@@ -102,14 +119,14 @@ bool IsTemporaryName(std::string_view name) {
 AtomicFile::AtomicFile(AtomicFile&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)),
       target_(std::move(other.target_)),
-      temporary_(std::move(other.temporary_)) {}
+      temporary_(std::exchange(other.temporary_, {})) {}
 
 AtomicFile& AtomicFile::operator=(AtomicFile&& other) noexcept {
     if (this != &other) {
         Discard();
         descriptor_ = std::exchange(other.descriptor_, -1);
         target_ = std::move(other.target_);
-        temporary_ = std::move(other.temporary_);
+        temporary_ = std::exchange(other.temporary_, {});
     }
     return *this;
 }
@@ -119,30 +136,50 @@ AtomicFile::~AtomicFile() {
 }
 
 void AtomicFile::Discard() {
-    if (descriptor_ < 0) return;
-    ::close(std::exchange(descriptor_, -1));
-    ::unlink(temporary_.c_str());
+    if (descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
+    if (!temporary_.empty()) ::unlink(std::exchange(temporary_, {}).c_str());
 }
 
 Result<AtomicFile> AtomicFile::Create(const std::string& target, unsigned newMode) {
-    const auto mode = ModeOfTarget(target);
-    if (!mode) return mode.Reason();
-    AtomicFile file;
-    file.target_ = target;
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        file.temporary_ = FolderPart(target) + RandomName();
+    return Create(target, RandomName(), newMode);
+}
+
+Result<AtomicFile> AtomicFile::Create(const std::string& target, std::string_view temporaryName,
+                                      unsigned newMode) {
+    const auto rights = RightsOfTarget(target);
+    if (!rights) return rights.Reason();
+    const mode_t mode = *rights ? (*rights)->mode : static_cast<mode_t>(newMode);
+    const std::string folder = FolderPart(target);
+    std::string name(temporaryName);
+    for (int attempt = 0; attempt < kAttempts; ++attempt, name = RandomName()) {
+        const std::string path = folder + name;
+        AtomicFile file;
         file.descriptor_ = Uninterrupted([&] {
-            return ::open(file.temporary_.c_str(),
-                          O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                          mode->value_or(newMode));
+            return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
         });
-        if (file.descriptor_ >= 0) break;
+        if (file.descriptor_ >= 0) {
+            file.target_ = target;
+            file.temporary_ = path;
+            if (*rights) TakeRights(file.descriptor_, **rights);
+            return file;
+        }
         if (errno != EEXIST) return SystemError(target, errno);
     }
-    if (file.descriptor_ < 0) return SystemError(target, EEXIST);
-    // The mask of the process may have taken bits away. Where modes mean nothing, this fails.
-    if (*mode) (void)::fchmod(file.descriptor_, **mode);
-    return file;
+    return SystemError(target, EEXIST);
+}
+
+void AtomicFile::TakeAttributes(const std::string& from) {
+    constexpr std::size_t kMost = 65536;  // the system's own limit for names and for a value
+    std::string names(kMost, '\0'), value(kMost, '\0');
+    const ssize_t listed = ::listxattr(from.c_str(), names.data(), names.size());
+    if (descriptor_ < 0 || listed <= 0) return;
+    names.resize(static_cast<std::size_t>(listed));
+    for (std::size_t at = 0; at < names.size(); at += std::strlen(&names[at]) + 1) {
+        const ssize_t length = ::getxattr(from.c_str(), &names[at], value.data(), value.size());
+        if (length < 0) continue;
+        (void)::fsetxattr(descriptor_, &names[at], value.data(), static_cast<std::size_t>(length),
+                          0);
+    }
 }
 
 Status AtomicFile::Write(std::span<const std::uint8_t> bytes) {
@@ -160,23 +197,33 @@ Status AtomicFile::Write(std::span<const std::uint8_t> bytes) {
     return Done{};
 }
 
-Status AtomicFile::Commit(Durability durability, Existing existing) {
+Status AtomicFile::Finish(Durability durability) {
     if (descriptor_ < 0) return SystemError(target_, EBADF);
+    int reason = 0;
     const bool sync = durability == Durability::Sync;
-    if (sync && Uninterrupted([&] { return ::fsync(descriptor_); }) != 0 && !CannotSync(errno)) {
-        const int reason = errno;
-        Discard();
-        return SystemError(target_, reason);
-    }
+    if (sync && Uninterrupted([&] { return ::fsync(descriptor_); }) != 0 && !CannotSync(errno))
+        reason = errno;
     // Network file systems report a full disk here. After EINTR the descriptor is gone as well.
-    Status named = ::close(std::exchange(descriptor_, -1)) == 0 || errno == EINTR
-                       ? GiveName(temporary_, target_, existing)
-                       : Status(SystemError(target_, errno));
-    if (!named) {
-        ::unlink(temporary_.c_str());
+    if (::close(std::exchange(descriptor_, -1)) != 0 && errno != EINTR && reason == 0)
+        reason = errno;
+    if (reason == 0) return Done{};
+    Discard();
+    return SystemError(target_, reason);
+}
+
+Status AtomicFile::Rename(Durability durability, Existing existing) {
+    if (descriptor_ >= 0 || temporary_.empty()) return SystemError(target_, EBADF);
+    if (Status named = GiveName(temporary_, target_, existing); !named) {
+        Discard();
         return named;
     }
-    return sync ? SyncFolderOf(target_) : Status(Done{});
+    temporary_.clear();
+    return durability == Durability::Sync ? SyncFolderOf(target_) : Status(Done{});
+}
+
+Status AtomicFile::Commit(Durability durability, Existing existing) {
+    Status finished = Finish(durability);
+    return finished ? Rename(durability, existing) : finished;
 }
 
 Status WriteFile(const std::string& path, std::span<const std::uint8_t> bytes,

@@ -66,8 +66,9 @@ Status CheckReplaceable(const std::string& target);
 
 /// A file that is written beside its target under a temporary name and renamed over it by Commit;
 /// without Commit nothing is left. The temporary is opened exclusively and never through a link;
-/// its name is one that a folder scan never enlists. An existing target keeps its mode; one that
-/// the user may not write, a folder and a device are refused; a link is replaced, not followed.
+/// its name is one that a folder scan never enlists. An existing target keeps its mode, and its
+/// owner where the system allows that; one that the user may not write, a folder and a device are
+/// refused; a link is replaced, not followed.
 class AtomicFile {
   public:
     AtomicFile() = default;
@@ -78,9 +79,18 @@ class AtomicFile {
     /// Fails at once where the folder does not exist or cannot be written. `newMode`, less the mask
     /// of the process, is the mode of a file that replaces none.
     static Result<AtomicFile> Create(const std::string& target, unsigned newMode = 0666);
+    /// The same; the temporary has that name as long as nothing else in the folder has it.
+    static Result<AtomicFile> Create(const std::string& target, std::string_view temporaryName,
+                                     unsigned newMode = 0666);
+    /// Gives the temporary the labels and access lists of a file, as far as the system allows.
+    void TakeAttributes(const std::string& from);
     /// After a failure the temporary is gone, and so is the chance to commit.
     Status Write(std::span<const std::uint8_t> bytes);
     Status Commit(Durability durability, Existing existing = Existing::Replace);
+    /// The two steps of Commit, for those who tell their failures apart: the temporary is complete
+    /// and closed; then it gets its name.
+    Status Finish(Durability durability);
+    Status Rename(Durability durability, Existing existing = Existing::Replace);
 
     /// Of the temporary, for what Write cannot do; owned by this object.
     int Descriptor() const { return descriptor_; }
@@ -89,7 +99,7 @@ class AtomicFile {
     void Discard();
     int descriptor_ = -1;
     std::string target_;
-    std::string temporary_;
+    std::string temporary_;  // empty: there is none, or no more
 };
 
 /// AtomicFile in one call.
@@ -108,7 +118,11 @@ struct FolderEntry {
 /// left out. Empty for a folder that cannot be read.
 std::vector<FolderEntry> ListFolder(const std::string& path);
 
-/// True for the temporary names of AtomicFile.
+/// The temporary of a picture whose header is rewritten beside it. Users of earlier programs know
+/// it, should they ever meet it.
+inline constexpr std::string_view kRewriteName = "temp83S04L51.jpg";
+
+/// True for the temporary names of AtomicFile, and for kRewriteName.
 bool IsTemporaryName(std::string_view name);
 
 /// Makes all missing folders of a path.

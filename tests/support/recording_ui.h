@@ -19,6 +19,9 @@ class RecordingInterface : public engine::UserInterface {
         boxes.emplace_back(std::string(caption), icon);
         ShowMessage(text);
     }
+    void ShowReport(std::string_view title, std::string_view text) override {
+        reports.emplace_back(title, text);
+    }
     bool Ask(std::string_view question) override {
         questions.emplace_back(question);
         return NextAnswer();
@@ -55,6 +58,7 @@ class RecordingInterface : public engine::UserInterface {
 
     std::deque<bool> answers;
     std::vector<std::string> messages, questions, notices, titles, statuses, sizeTexts;
+    std::vector<std::pair<std::string, std::string>> reports;  // title, text
     std::vector<int> selected, edited, prompted, timers;
     std::vector<std::pair<std::string, engine::MessageIcon>> boxes;  // caption, icon
     std::vector<std::string> dialogs;                                // names of the commands

@@ -9,8 +9,10 @@
 #include <sstream>
 #include <string_view>
 
+#include "imaging/codecs/jpeg_segments.h"
+#include "imaging/codecs/one_line.h"
 #include "imaging/codecs/stored_metadata.h"
-#include "platform/paths.h"
+#include "imaging/codecs/unicode.h"
 
 namespace lumo::imaging::codecs {
 namespace {
@@ -19,7 +21,6 @@ using namespace std::string_view_literals;
 
 constexpr std::array kGroups{"Image"sv, "Photo"sv, "Iop"sv, "Thumbnail"sv, "GPSInfo"sv};
 static_assert(kGroups.size() == kExifTableCount);
-constexpr std::string_view kExifPrefix = "Exif\0\0"sv;
 constexpr std::uint16_t kMaker = 0x10F;
 constexpr std::uint16_t kMakerNote = 0x927C;  // a block in the maker's own format
 constexpr std::array<std::uint16_t, 3> kPointers{0x8769, 0x8825, 0xA005};  // to other tables
@@ -35,35 +36,13 @@ void SilenceLibrary() {
     static_cast<void>(done);
 }
 
-std::optional<ByteView> ExifBlock(ByteView file, Bytes& storage) {
+std::optional<ByteView> ExifBlock(ByteView file) {
     if (file.size() > 0xFFFFFFFFU) return std::nullopt;
     if (FormatOfContent(file) == Format::Tiff) return file;
-    for (auto& [code, payload] : ReadJpegMarkers(file)) {
-        if (code != kApp1 || payload.size() <= kExifPrefix.size()) continue;
-        if (!std::equal(kExifPrefix.begin(), kExifPrefix.end(), payload.begin())) continue;
-        storage = std::move(payload);
-        return ByteView(storage).subspan(kExifPrefix.size());
-    }
+    for (const JpegSegment& segment : ReadJpegHead(file).segments)
+        if (segment.code == kApp1 && IsExifPayload(segment.payload))
+            return segment.payload.subspan(kExifPrefixBytes);
     return std::nullopt;
-}
-
-void AppendUtf8(std::string& text, std::uint32_t code) {
-    const auto add = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
-    if (code < 0x80) {
-        add(code);
-    } else if (code < 0x800) {
-        add(0xC0U | code >> 6);
-        add(0x80U | (code & 0x3FU));
-    } else if (code < 0x10000) {
-        add(0xE0U | code >> 12);
-        add(0x80U | (code >> 6 & 0x3FU));
-        add(0x80U | (code & 0x3FU));
-    } else {
-        add(0xF0U | code >> 18);
-        add(0x80U | (code >> 12 & 0x3FU));
-        add(0x80U | (code >> 6 & 0x3FU));
-        add(0x80U | (code & 0x3FU));
-    }
 }
 
 /// The property texts of the desktop are UTF-16, low byte first, in a tag of bytes.
@@ -99,14 +78,7 @@ std::string ValueText(const Exiv2::Exifdatum& tag, const Exiv2::ExifData& all) {
         tag.write(stream, &all);
         text = stream.str();
     }
-    while (!text.empty() && (text.back() == '\0' || text.back() == ' ')) text.pop_back();
-    if (text.size() > kMaxValueBytes) {
-        std::size_t end = kMaxValueBytes;
-        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;
-        text.resize(end);
-        text += "...";
-    }
-    return platform::Printable(text);
+    return OneLine(TextAsUtf8(text), kMaxValueBytes);
 }
 
 std::string LineOf(const Exiv2::Exifdatum& tag, const Exiv2::ExifData& all) {
@@ -121,8 +93,7 @@ std::string LineOf(const Exiv2::Exifdatum& tag, const Exiv2::ExifData& all) {
 
 ExifTables ReadExifTables(ByteView file, int count) {
     ExifTables tables;
-    Bytes storage;
-    const auto block = ExifBlock(file, storage);
+    const auto block = ExifBlock(file);
     if (!block) return tables;
     SilenceLibrary();
     try {

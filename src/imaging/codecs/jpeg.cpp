@@ -25,8 +25,7 @@ namespace {
 
 using platform::Error;
 
-constexpr int kRowsAtOnce = 16;                 // the rows of one MCU row at 4:2:0
-constexpr std::size_t kMaxMarkerBytes = 65533;  // the length field counts itself
+constexpr int kRowsAtOnce = 16;  // the rows of one MCU row at 4:2:0
 
 /// The error handling of one file: nothing is printed, a failure jumps back into Guarded.
 struct Errors {

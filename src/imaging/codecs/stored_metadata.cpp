@@ -89,32 +89,47 @@ std::optional<std::string> TextOfChunk(std::string_view type, ByteView body, std
     return InternationalText(body, room);
 }
 
+constexpr std::string_view kProfile("ICC_PROFILE\0", 12), kIndex("MPF\0", 4);
+
+bool HasPrefix(const std::pair<int, Bytes>& marker, int code, std::string_view prefix) {
+    return marker.first == code && marker.second.size() >= prefix.size() &&
+           std::equal(prefix.begin(), prefix.end(), marker.second.begin());
+}
+
+bool IsProfile(const std::pair<int, Bytes>& marker) {
+    return HasPrefix(marker, kApp2, kProfile);
+}
+
+/// True for the first part of a profile (they are numbered from 1) whose header names RGB.
+bool StartsRgbProfile(const Bytes& payload) {
+    constexpr std::size_t kNumberAt = 12, kHeaderAt = 14, kSpaceAt = kHeaderAt + 16;
+    constexpr std::string_view kRgb = "RGB ";
+    return payload.size() >= kSpaceAt + kRgb.size() && payload[kNumberAt] == 1 &&
+           std::equal(kRgb.begin(), kRgb.end(), payload.begin() + kSpaceAt);
+}
+
 }  // namespace
 
-std::vector<std::pair<int, Bytes>> ReadJpegMarkers(ByteView file) {
-    constexpr int kStandaloneFirst = 0xD0, kStartOfImage = 0xD8, kEndOfImage = 0xD9;
-    constexpr int kStartOfScan = 0xDA;
-    std::vector<std::pair<int, Bytes>> markers;
-    if (file.size() < 2 || file[0] != 0xFF || file[1] != kStartOfImage) return markers;
-    std::size_t at = 2;
-    while (at + 1 < file.size() && file[at] == 0xFF) {
-        const int code = file[at + 1];
-        if (code == 0xFF) {  // fill byte
-            ++at;
-            continue;
-        }
-        if (code == kStartOfScan || code == kEndOfImage) break;
-        at += 2;
-        if (code == 0x01 || (code >= kStandaloneFirst && code <= kStartOfImage)) continue;
-        if (at + 2 > file.size()) break;
-        const std::size_t length = std::size_t{file[at]} << 8 | file[at + 1];  // counts itself
-        if (length < 2 || length > file.size() - at) break;
-        const ByteView payload = file.subspan(at + 2, length - 2);
+JpegMarkers ReadJpegMarkers(ByteView file) {
+    JpegMarkers markers;
+    for (const auto& [code, whole, payload] : ReadJpegHead(file).segments)
         if ((code >= kApp0 && code <= kApp15) || code == kComment)
             markers.emplace_back(code, Bytes(payload.begin(), payload.end()));
-        at += length;
-    }
     return markers;
+}
+
+JpegMarkers MarkersForNewPicture(const JpegMarkers& markers) {
+    const bool rgbProfile = std::ranges::any_of(markers, [](const auto& marker) {
+        return IsProfile(marker) && StartsRgbProfile(marker.second);
+    });
+    JpegMarkers kept;
+    for (const auto& marker : markers) {
+        if (marker.first == kApp0 || marker.first == kApp14 || HasPrefix(marker, kApp2, kIndex))
+            continue;
+        if (IsProfile(marker) && !rgbProfile) continue;
+        kept.push_back(marker);
+    }
+    return kept;
 }
 
 std::vector<std::pair<std::string, std::string>> ReadPngTexts(ByteView file) {

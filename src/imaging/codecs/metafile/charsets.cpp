@@ -3,7 +3,6 @@
 #include <iconv.h>
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cerrno>
 
@@ -51,16 +50,6 @@ const char* NameOf(std::uint8_t charset) {
         default:
             return nullptr;  // Western European
     }
-}
-
-// The 32 codes in which Western European Windows text differs from the first 256 of Unicode.
-constexpr std::array<char16_t, 32> kWindows1252 = {
-    0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x8D,   0x017D, 0x8F,   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178};
-
-char32_t FromWestern(std::uint8_t byte) {
-    return byte >= 0x80 && byte < 0xA0 ? kWindows1252[byte - 0x80] : byte;
 }
 
 class Converter {
@@ -137,25 +126,6 @@ std::vector<Character> DecodeUtf16(ByteView bytes) {
         text.push_back({unit >= 0xD800 && unit < 0xE000 ? kUnknown : unit, 1});
     }
     return text;
-}
-
-void AppendUtf8(std::string& text, char32_t code) {
-    const auto put = [&](char32_t byte) { text.push_back(static_cast<char>(byte)); };
-    if (code < 0x80) {
-        put(code);
-    } else if (code < 0x800) {
-        put(0xC0 | code >> 6);
-        put(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        put(0xE0 | code >> 12);
-        put(0x80 | (code >> 6 & 0x3F));
-        put(0x80 | (code & 0x3F));
-    } else {
-        put(0xF0 | code >> 18);
-        put(0x80 | (code >> 12 & 0x3F));
-        put(0x80 | (code >> 6 & 0x3F));
-        put(0x80 | (code & 0x3F));
-    }
 }
 
 }  // namespace lumo::imaging::codecs::metafile

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "imaging/codecs/codec.h"
+#include "imaging/codecs/unicode.h"
 
 namespace lumo::imaging::codecs::metafile {
 
@@ -29,7 +30,5 @@ std::vector<Character> DecodeUtf16(ByteView bytes);
 char32_t SymbolToUnicode(std::string_view face, char32_t code);
 /// True if the face is one that SymbolToUnicode knows.
 bool IsSymbolFace(std::string_view face);
-
-void AppendUtf8(std::string& text, char32_t code);
 
 }  // namespace lumo::imaging::codecs::metafile
