@@ -15,7 +15,11 @@ int main(int argc, char** argv) {
         return line.exitCode;
     }
     if (line.Unattended()) return RunUnattended(line, Program::Desktop);
-    return ui::RunDesktop(
-        argc, argv,
-        {.scriptPath = line.scriptPath, .runAtOnce = line.autoRun, .exitAfterRun = line.autoExit});
+    return ui::RunDesktop(argc, argv,
+                          {.scriptPath = line.scriptPath,
+                           .runAtOnce = line.autoRun,
+                           .exitAfterRun = line.autoExit,
+                           .noPrompts = line.noPrompts,
+                           .forceErrorLog = line.forceErrorLog,
+                           .debugLog = line.debugLog});
 }

@@ -29,13 +29,12 @@ void StartView(CLumoscriptView& view, SettingsFile settingsFile) {
     view.script.modified = true;  // nothing of it is in a file
 }
 
-bool OpenScript(CLumoscriptView& view, const std::string& path) {
+bool OpenScript(CLumoscriptView& view, const std::string& path, std::string_view failure) {
     script::Script loaded;
     const auto status = script::LoadScript(
         path, loaded, [&](std::string_view words) { view.ui.ShowMessage(words); });
     if (!status) {
-        view.ui.ShowMessage(
-            "Unable to find or open named Lumoscript script file (.whs), check file path?");
+        view.ui.ShowMessage(failure);
         return false;
     }
     script::EnsureMarkers(loaded, DefaultParams(view, script::names::kStartImageLoop));

@@ -124,7 +124,8 @@ struct TestWalk {
     int subSkip = 0, subDepth = 0;
     std::string ifStack, elseStack;  // letters T and F, one for each open IF
     std::vector<int> subReturnList;  // newest last
-    int testPc = 0;
+    int testPc = 0;                  // the command in hand
+    int next = 0;                    // the next one of the walk itself, outside of subroutines
     int loopReturn = 0, loopCount = 0, doReturn = 0;
     bool running = false;
 };

@@ -88,6 +88,11 @@ NextImage RefuseImage(CLumoscriptView& view) {
     return kImageNotOpened;
 }
 
+void ReadMetadata(CLumoscriptView& view, codecs::ByteView bytes) {
+    view.metadata.jpgInput = codecs::ReadJpegMarkers(bytes);
+    view.metadata.pngInput = codecs::ReadPngTexts(bytes);
+}
+
 /// Decodes the file into the working image and reads its metadata; false with the last error set.
 bool LoadWorkingImage(CLumoscriptView& view, const std::string& path) {
     view.metadata.Clear();
@@ -98,12 +103,17 @@ bool LoadWorkingImage(CLumoscriptView& view, const std::string& path) {
     if (!decoded) return false;
     view.working.main = std::move(decoded->image);
     engine::SetFullColour(view);
-    view.metadata.jpgInput = codecs::ReadJpegMarkers(*bytes);
-    view.metadata.pngInput = codecs::ReadPngTexts(*bytes);
+    ReadMetadata(view, *bytes);
     if (!decoded->warning.empty())
         ReportImage(view,
                     " Warning - image file is damaged: " + platform::Printable(decoded->warning));
     return true;
+}
+
+/// GetExtType of the extension of a path.
+int TypeOf(std::string_view path) {
+    const std::size_t dot = path.rfind('.');
+    return dot == std::string_view::npos ? 0 : platform::GetExtType(path.substr(dot));
 }
 
 bool IsThere(const std::string& path) {
@@ -203,11 +213,19 @@ int OpenNextImage(CLumoscriptView& view) {
 std::optional<codecs::Decoded> OpenImageFile(const CLumoscriptView& view, const std::string& path) {
     const auto bytes = ReadBytes(path);
     if (!bytes) return std::nullopt;
-    const std::size_t dot = path.rfind('.');
-    const int type =
-        dot == std::string::npos ? 0 : platform::GetExtType(std::string_view(path).substr(dot));
-    auto decoded = DecodeBytes(view.settings, *bytes, type);
+    auto decoded = DecodeBytes(view.settings, *bytes, TypeOf(path));
     if (!decoded) return std::nullopt;
+    return std::move(*decoded);
+}
+
+std::optional<codecs::Decoded> OpenImageFileAndMetadata(CLumoscriptView& view,
+                                                        const std::string& path) {
+    const auto bytes = ReadBytes(path);
+    if (!bytes) return std::nullopt;
+    auto decoded = DecodeBytes(view.settings, *bytes, TypeOf(path));
+    if (!decoded) return std::nullopt;
+    view.metadata.Clear();
+    ReadMetadata(view, *bytes);
     return std::move(*decoded);
 }
 

@@ -62,6 +62,10 @@ int OpenNextImage(CLumoscriptView& view);
 std::optional<imaging::codecs::Decoded> OpenImageFile(const CLumoscriptView& view,
                                                       const std::string& path);
 
+/// As OpenImageFile; the markers and texts of the file go into the input stores of the view.
+std::optional<imaging::codecs::Decoded> OpenImageFileAndMetadata(CLumoscriptView& view,
+                                                                 const std::string& path);
+
 /// "33% Done" in the title of the window.
 void UpdateProgress(CLumoscriptView& view);
 /// The counters of the progress group.

@@ -36,22 +36,22 @@ struct DefaultFiles {
 
 /// How files are written. Texts become integers at each write.
 struct WriterSettings {
-    std::string jpgDpi = "72";           // JPGdpi
-    std::string jpgQuality = "85";       // JPGcomp
-    std::string jpgSmoothing = "0";      // JPGcomp2
-    std::string jpgEncoding = "0";       // JPGencode: "0" standard, "1" progressive
-    std::string tifDpi = "300";          // TIFdpi
-    int tifCompression = 1;              // TIFcomp: 1 none, 5 LZW, 32773 PackBits
-    bool gifDither = false;              // GIFdith
-    bool gifInterlaced = false;          // GIFinter
-    int gifPalette = 1;                  // GIFpal: 0 uniform, 1 median cut, 2 octree
+    std::string jpgDpi = "72";              // JPGdpi
+    std::string jpgQuality = "85";          // JPGcomp
+    std::string jpgSmoothing = "0";         // JPGcomp2
+    std::string jpgEncoding = "0";          // JPGencode: "0" standard, "1" progressive
+    std::string tifDpi = "300";             // TIFdpi
+    int tifCompression = 1;                 // TIFcomp: 1 none, 5 LZW, 32773 PackBits
+    bool gifDither = false;                 // GIFdith
+    bool gifInterlaced = false;             // GIFinter
+    int gifPalette = 1;                     // GIFpal: 0 uniform, 1 median cut, 2 octree
     std::string pngDotsPerMetre = "11811";  // PNGdpm
-    bool pngInterlaced = false;          // PNGinterlaced (read), PNGintlaced (written)
-    bool pngCopyText = false;            // PNGcom
-    bool pngAddText = false;             // bPNGadd
-    std::array<std::string, 4> pngKeys;  // PNGkey1 ...
-    std::array<std::string, 4> pngTexts; // PNGtext1 ...
-    double pngGamma = 2.2;               // PNGgamma
+    bool pngInterlaced = false;             // PNGinterlaced (read), PNGintlaced (written)
+    bool pngCopyText = false;               // PNGcom
+    bool pngAddText = false;                // bPNGadd
+    std::array<std::string, 4> pngKeys;     // PNGkey1 ...
+    std::array<std::string, 4> pngTexts;    // PNGtext1 ...
+    double pngGamma = 2.2;                  // PNGgamma
     friend bool operator==(const WriterSettings&, const WriterSettings&) = default;
 };
 
@@ -59,20 +59,20 @@ struct WriterSettings {
 struct ReaderSettings {
     std::string wmfWidth = "100", wmfHeight = "100";
     std::string emfWidth = "100", emfHeight = "100";
-    bool pngAllowGamma = false;                 // bPNGallow
-    std::uint32_t pngBackColour = 0x808080;     // PNGbackcolor
+    bool pngAllowGamma = false;              // bPNGallow
+    std::uint32_t pngBackColour = 0x808080;  // PNGbackcolor
     friend bool operator==(const ReaderSettings&, const ReaderSettings&) = default;
 };
 
 struct LogSettings {
-    bool errorLog = true;     // ErrorLog
-    bool batchLog = true;     // BatchLog
-    bool header = true;       // Header
-    bool inputName = false;   // InputName
-    bool inputSize = false;   // InputSize
-    bool outputName = true;   // OutputName
-    bool outputSize = true;   // OutputSize
-    bool errors = true;       // Errors
+    bool errorLog = true;    // ErrorLog
+    bool batchLog = true;    // BatchLog
+    bool header = true;      // Header
+    bool inputName = false;  // InputName
+    bool inputSize = false;  // InputSize
+    bool outputName = true;  // OutputName
+    bool outputSize = true;  // OutputSize
+    bool errors = true;      // Errors
     friend bool operator==(const LogSettings&, const LogSettings&) = default;
 };
 
@@ -101,15 +101,16 @@ struct Settings {
     ReaderSettings reader;
     LogSettings logs;
 
-    bool statusBar = true;        // StatusBar
-    bool toolBar = true;          // ToolBar
-    bool showEachImage = false;   // ShowFirstPic
-    std::string lastOutFolder;    // LastOutFolder
-    std::string lastInFolder;     // LastInFolder
+    bool statusBar = true;       // StatusBar
+    bool toolBar = true;         // ToolBar
+    bool showEachImage = false;  // ShowFirstPic
+    int theme = 0;               // Theme: 0 the desktop's colours, 1 light, 2 dark
+    std::string lastOutFolder;   // LastOutFolder
+    std::string lastInFolder;    // LastInFolder
 
-    std::array<std::string, 4> recentLists;    // List1 ...
-    std::array<std::string, 4> recentScripts;  // File1 ...
-    std::array<std::string, 4> recentPictures; // Pict1 ...
+    std::array<std::string, 4> recentLists;     // List1 ...
+    std::array<std::string, 4> recentScripts;   // File1 ...
+    std::array<std::string, 4> recentPictures;  // Pict1 ...
 
     /// Default parameter string of each command, by its defaults key ("Crop").
     std::map<std::string, std::string, std::less<>> commandDefaults;

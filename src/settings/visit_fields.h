@@ -97,6 +97,7 @@ void VisitWindow(Visitor& v, S& s) {
     v.Flag("StatusBar", s.statusBar);
     v.Flag("ToolBar", s.toolBar);
     v.Flag("ShowFirstPic", s.showEachImage);
+    v.Integer("Theme", s.theme);
     v.Table({"Dialogs"});
     v.Path("LastOutFolder", s.lastOutFolder, s.folders.photos + "/");
     v.Path("LastInFolder", s.lastInFolder, s.folders.photos + "/");

@@ -1,15 +1,22 @@
 #include "ui/application.h"
 
 #include <QApplication>
-#include <QMainWindow>
+#include <clocale>
+
+#include "ui/main_window.h"
 
 namespace lumo::ui {
 
-int RunDesktop(int& argc, char** argv, const StartRequest&) {
+int RunDesktop(int& argc, char** argv, const StartRequest& request) {
     const QApplication application(argc, argv);
-    QMainWindow window;
+    QApplication::setApplicationName(QStringLiteral("lumoscript"));
+    QApplication::setApplicationVersion(QStringLiteral(LUMO_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("lumoscript"));
+    std::setlocale(LC_NUMERIC, "C");  // the locale of the user never changes a number in a file
+    MainWindow window(request);
     window.show();
-    return QApplication::exec();
+    QApplication::exec();
+    return window.ExitStatus();
 }
 
 }  // namespace lumo::ui

@@ -23,7 +23,8 @@ const std::set<std::string> kStateHeaders{"view.h", "command.h", "user_interface
 std::string LayerOf(const fs::path& relative) {
     auto part = relative.begin();
     const std::string folder = part->string();
-    if (relative.filename().string().starts_with("main_")) return "program";
+    if (relative.parent_path() == "cli" && relative.filename().string().starts_with("main_"))
+        return "program";
     if (folder == "engine")
         return kStateHeaders.count(relative.filename().string()) != 0 ? "state" : "driver";
     if (folder == "ops" && std::distance(relative.begin(), relative.end()) > 2)

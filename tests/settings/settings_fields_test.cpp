@@ -220,6 +220,7 @@ Errors = "Yes"
 StatusBar = "Yes"
 ToolBar = "Yes"
 ShowFirstPic = "No"
+Theme = 0
 
 [Dialogs]
 LastOutFolder = "/inst/Photos/"

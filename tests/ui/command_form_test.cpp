@@ -28,6 +28,7 @@
 #include "settings/settings_store.h"
 #include "support/command_runner.h"
 #include "support/temp_folder.h"
+#include "support/test_files.h"
 #include "ui/choice_controls.h"
 #include "ui/colour_control.h"
 #include "ui/number_control.h"
@@ -642,7 +643,7 @@ TEST_F(Form, PreviewObeysTheRangeWhileTheEditDoesNot) {
 }
 
 TEST_F(Form, EveryPreviewComesBack) {
-    view.settings.installFolder = std::string(LUMO_SOURCE_ROOT) + "/share";
+    view.settings.installFolder = (test::SourceRoot() / "share").string();
     for (const Command* command : CommandsWithForm()) {
         if (!PreviewRenderer::CanShow(*command)) continue;
         SCOPED_TRACE(command->spec.name);

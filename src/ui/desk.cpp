@@ -1,0 +1,59 @@
+#include "ui/desk.h"
+
+#include <QFileDialog>
+#include <QMessageBox>
+
+#include "platform/files.h"
+#include "ui/text.h"
+
+namespace lumo::ui {
+namespace {
+
+/// The folder, or the nearest one above that exists.
+QString ExistingFolder(std::string folder) {
+    while (!folder.empty() && !platform::FolderExists(folder)) {
+        const std::size_t slash = folder.rfind('/');
+        folder.resize(slash == std::string::npos ? 0 : slash);
+    }
+    return ToQt(folder);
+}
+
+std::optional<std::string> Picked(QFileDialog& dialog) {
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+    const QByteArray path = QFile::encodeName(dialog.selectedFiles().constFirst());
+    return path.toStdString();
+}
+
+}  // namespace
+
+std::optional<std::string> AskOpenPath(const Desk& desk, const FileQuestion& question) {
+    QFileDialog dialog(&desk.window, ToQt(question.title), ExistingFolder(question.folder),
+                       FileFilter(question.filter));
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    return Picked(dialog);
+}
+
+std::optional<std::string> AskSavePath(const Desk& desk, const FileQuestion& question) {
+    QFileDialog dialog(&desk.window, ToQt(question.title), ExistingFolder(question.folder),
+                       FileFilter(question.filter));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(ToQt(question.extension));
+    if (!question.name.empty()) dialog.selectFile(ToQt(question.name));
+    return Picked(dialog);
+}
+
+void Tell(const Desk& desk, std::string_view text, std::string_view caption) {
+    QMessageBox box(QMessageBox::NoIcon, ToQt(caption), ToQt(text), QMessageBox::Ok, &desk.window);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
+bool AskYesNo(const Desk& desk, std::string_view question) {
+    QMessageBox box(QMessageBox::Question, QStringLiteral("Lumoscript"), ToQt(question),
+                    QMessageBox::Yes | QMessageBox::No, &desk.window);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::Yes);
+    return box.exec() == QMessageBox::Yes;
+}
+
+}  // namespace lumo::ui

@@ -1,0 +1,112 @@
+#include "ui/form_layout.h"
+
+namespace lumo::ui {
+namespace {
+
+constexpr int kMiddleFrom = 650, kLargestFrom = 810;  // pixels of screen width
+
+constexpr FormLayout kSmallest{.basisWidth = 411,
+                               .basisHeight = 198,
+                               .places = {{
+                                   {3, 3, 92, 11},      // Filter
+                                   {3, 16, 92, 179},    // Tree
+                                   {97, 84, 18, 14},    // Add
+                                   {117, 3, 92, 11},    // ScriptTitle
+                                   {117, 16, 92, 151},  // ScriptList
+                                   {117, 170, 45, 11},  // SwapUp
+                                   {117, 184, 45, 11},  // SwapDown
+                                   {164, 170, 45, 11},  // Edit
+                                   {164, 184, 45, 11},  // Delete
+                                   {213, 2, 195, 111},  // ImageGroup
+                                   {217, 11, 92, 8},    // LeftCaption
+                                   {312, 11, 92, 8},    // RightCaption
+                                   {217, 20, 92, 62},   // LeftFrame
+                                   {312, 20, 92, 62},   // RightFrame
+                                   {217, 85, 45, 11},   // Open
+                                   {264, 85, 45, 11},   // Reload
+                                   {312, 85, 45, 11},   // CopyToRight
+                                   {359, 85, 45, 11},   // CopyToLeft
+                                   {217, 98, 45, 11},   // TestOne
+                                   {264, 98, 45, 11},   // TestAll
+                                   {312, 98, 45, 11},   // SaveAs
+                                   {359, 98, 45, 11},   // RunOnSample
+                                   {213, 115, 95, 80},  // Panel
+                                   {312, 115, 96, 64},  // Progress
+                                   {312, 182, 96, 13},  // Run
+                               }}};
+
+constexpr FormLayout kMiddle{.basisWidth = 480,
+                             .basisHeight = 260,
+                             .places = {{
+                                 {4, 4, 107, 13},       // Filter
+                                 {4, 20, 107, 236},     // Tree
+                                 {114, 122, 20, 15},    // Add
+                                 {137, 4, 107, 13},     // ScriptTitle
+                                 {137, 20, 107, 203},   // ScriptList
+                                 {137, 227, 52, 13},    // SwapUp
+                                 {137, 243, 52, 13},    // SwapDown
+                                 {192, 227, 52, 13},    // Edit
+                                 {192, 243, 52, 13},    // Delete
+                                 {249, 3, 227, 149},    // ImageGroup
+                                 {254, 13, 107, 9},     // LeftCaption
+                                 {364, 13, 107, 9},     // RightCaption
+                                 {254, 24, 107, 92},    // LeftFrame
+                                 {364, 24, 107, 92},    // RightFrame
+                                 {254, 119, 52, 13},    // Open
+                                 {309, 119, 52, 13},    // Reload
+                                 {364, 119, 52, 13},    // CopyToRight
+                                 {419, 119, 52, 13},    // CopyToLeft
+                                 {254, 135, 52, 13},    // TestOne
+                                 {309, 135, 52, 13},    // TestAll
+                                 {364, 135, 52, 13},    // SaveAs
+                                 {419, 135, 52, 13},    // RunOnSample
+                                 {249, 155, 112, 101},  // Panel
+                                 {364, 155, 112, 80},   // Progress
+                                 {364, 239, 112, 17},   // Run
+                             }}};
+
+constexpr FormLayout kLargest{.basisWidth = 590,
+                              .basisHeight = 325,
+                              .places = {{
+                                  {4, 4, 124, 13},       // Filter
+                                  {4, 20, 124, 301},     // Tree
+                                  {131, 150, 22, 16},    // Add
+                                  {156, 4, 124, 13},     // ScriptTitle
+                                  {156, 20, 124, 268},   // ScriptList
+                                  {156, 292, 61, 13},    // SwapUp
+                                  {156, 308, 61, 13},    // SwapDown
+                                  {219, 292, 61, 13},    // Edit
+                                  {219, 308, 61, 13},    // Delete
+                                  {286, 3, 300, 199},    // ImageGroup
+                                  {291, 13, 143, 9},     // LeftCaption
+                                  {438, 13, 143, 9},     // RightCaption
+                                  {291, 24, 143, 142},   // LeftFrame
+                                  {438, 24, 143, 142},   // RightFrame
+                                  {291, 169, 70, 13},    // Open
+                                  {364, 169, 70, 13},    // Reload
+                                  {438, 169, 70, 13},    // CopyToRight
+                                  {511, 169, 70, 13},    // CopyToLeft
+                                  {291, 185, 70, 13},    // TestOne
+                                  {364, 185, 70, 13},    // TestAll
+                                  {438, 185, 70, 13},    // SaveAs
+                                  {511, 185, 70, 13},    // RunOnSample
+                                  {286, 205, 147, 116},  // Panel
+                                  {438, 205, 148, 95},   // Progress
+                                  {438, 304, 148, 17},   // Run
+                              }}};
+
+}  // namespace
+
+const FormLayout& LayoutForScreen(int screenWidth) {
+    if (screenWidth < kMiddleFrom) return kSmallest;
+    return screenWidth < kLargestFrom ? kMiddle : kLargest;
+}
+
+QRect PlaceOf(const FormLayout& layout, Place place, QSize client) {
+    const PlaceInUnits& at = layout.places[static_cast<std::size_t>(place)];
+    const auto x = [&](int units) { return client.width() * units / layout.basisWidth; };
+    const auto y = [&](int units) { return client.height() * units / layout.basisHeight; };
+    return {x(at.left), y(at.top), x(at.width), y(at.height)};
+}
+
+}  // namespace lumo::ui

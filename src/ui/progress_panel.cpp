@@ -1,0 +1,116 @@
+#include "ui/progress_panel.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <algorithm>
+
+#include "ui/elided_label.h"
+
+namespace lumo::ui {
+namespace {
+
+constexpr int kTickMilliseconds = 500;
+
+QString TimeText(qint64 milliseconds) {
+    const qint64 seconds = milliseconds / 1000;
+    return QStringLiteral("%1:%2:%3")
+        .arg(seconds / 3600)
+        .arg(seconds / 60 % 60, 2, 10, QLatin1Char('0'))
+        .arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}
+
+}  // namespace
+
+ProgressPanel::ProgressPanel(QWidget* parent) : QGroupBox(QStringLiteral("Progress"), parent) {
+    auto* grid = new QGridLayout(this);
+    grid->setContentsMargins(8, 2, 8, 4);
+    grid->setVerticalSpacing(2);
+    grid->setHorizontalSpacing(6);
+    status_ = new ElidedLabel(this);
+    status_->setAccessibleName(QStringLiteral("Status"));
+    grid->addWidget(status_, 0, 0, 1, 4);
+    bar_ = new QProgressBar(this);
+    bar_->setAccessibleName(QStringLiteral("Progress of the run"));
+    bar_->setRange(0, 1);
+    bar_->setValue(0);
+    bar_->setTextVisible(false);
+    bar_->setMinimumHeight(4);
+    bar_->setMaximumHeight(14);
+    bar_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    grid->addWidget(bar_, 1, 0, 1, 4);
+    total_ = AddCount(QStringLiteral("Total input:"), 2, 0);
+    current_ = AddCount(QStringLiteral("Current:"), 2, 2);
+    saved_ = AddCount(QStringLiteral("Saved:"), 3, 0);
+    errors_ = AddCount(QStringLiteral("Errors:"), 3, 2);
+    elapsed_ = AddCount(QStringLiteral("Elapsed:"), 4, 0);
+    remaining_ = AddCount(QStringLiteral("Remaining:"), 4, 2);
+    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(3, 1);
+    tick_.setInterval(kTickMilliseconds);
+    connect(&tick_, &QTimer::timeout, this, &ProgressPanel::ShowTimes);
+    ShowCounts({});
+}
+
+QLabel* ProgressPanel::AddCount(const QString& caption, int row, int column) {
+    auto* grid = static_cast<QGridLayout*>(layout());
+    auto* label = new QLabel(caption, this);
+    auto* value = new QLabel(this);
+    label->setMinimumSize(1, 1);
+    value->setMinimumSize(1, 1);
+    value->setAccessibleName(caption);
+    value->setTextFormat(Qt::PlainText);
+    grid->addWidget(label, row, column);
+    grid->addWidget(value, row, column + 1);
+    return value;
+}
+
+void ProgressPanel::Begin() {
+    setTitle(QStringLiteral("Processing.."));
+    clock_.start();
+    tick_.start();
+    ShowCounts({});
+    bar_->setRange(0, 0);  // how much there is to do is not known yet
+    ShowTimes();
+}
+
+void ProgressPanel::End() {
+    setTitle(QStringLiteral("Progress"));
+    tick_.stop();
+    bar_->setRange(0, std::max(1, counts_.totalInput));
+    bar_->setValue(counts_.current);
+    ShowTimes();
+    remaining_->clear();
+}
+
+void ProgressPanel::ShowCounts(const engine::RunCounts& counts) {
+    counts_ = counts;
+    total_->setNum(counts.totalInput);
+    current_->setNum(counts.current);
+    saved_->setNum(counts.saved);
+    errors_->setNum(counts.errors);
+    if (counts.totalInput > 0) {
+        bar_->setRange(0, counts.totalInput);
+        bar_->setValue(std::max(0, counts.current - 1));
+    }
+}
+
+void ProgressPanel::ShowTimes() {
+    const qint64 elapsed = clock_.isValid() ? clock_.elapsed() : 0;
+    elapsed_->setText(TimeText(elapsed));
+    const int done = counts_.current - 1;
+    if (done <= 0 || counts_.totalInput <= done) {
+        remaining_->clear();
+        return;
+    }
+    remaining_->setText(TimeText(elapsed / done * (counts_.totalInput - done)));
+}
+
+void ProgressPanel::SetStatus(const QString& text) {
+    status_->setText(text);
+}
+QString ProgressPanel::Status() const {
+    return status_->text();
+}
+
+}  // namespace lumo::ui
