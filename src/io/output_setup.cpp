@@ -41,8 +41,12 @@ constexpr std::array kFields{
 static_assert(kFields.size() == output::kFieldCount);
 
 constexpr std::string_view kNotes[] = {"This may cause input file to be overwritten."};
-constexpr DialogSpec kDialog{
-    .title = "Output setup", .windowState = "WS63", .helpTopic = "Outputsetup", .notes = kNotes};
+constexpr ShownWhen kShown[] = {{output::kFolder, output::kOriginalFolder, "0"}};
+constexpr DialogSpec kDialog{.title = "Output setup",
+                             .windowState = "WS63",
+                             .helpTopic = "Outputsetup",
+                             .notes = kNotes,
+                             .shownWhen = kShown};
 
 std::string PanelOf(const Fields& fields) {
     std::string text;

@@ -67,8 +67,34 @@ constexpr std::array kFields{
 };
 static_assert(kFields.size() == start::kFieldCount);
 
-constexpr DialogSpec kDialog{
-    .title = "Start: input setup", .windowState = "WS76", .helpTopic = "StartInputsetup"};
+constexpr int kTypes[] = {start::kUseBmp, start::kUseTga, start::kUsePng, start::kUseGif,
+                          start::kUsePsd, start::kUseJpg, start::kUsePcx, start::kUseTif,
+                          start::kUseWmf, start::kUseRaw};
+constexpr int kBefore[] = {start::kBeforeOn, start::kBeforeMonth, start::kBeforeDay,
+                           start::kBeforeYear};
+constexpr int kAfter[] = {start::kAfterOn, start::kAfterMonth, start::kAfterDay, start::kAfterYear};
+constexpr int kLarger[] = {start::kMinSizeOn, start::kMinWidth, start::kMinHeight};
+constexpr int kSmaller[] = {start::kMaxSizeOn, start::kMaxWidth, start::kMaxHeight};
+constexpr int kWider[] = {start::kMinAspectOn, start::kMinAspect};
+constexpr int kNarrower[] = {start::kMaxAspectOn, start::kMaxAspect};
+constexpr FieldGroup kGroups[] = {
+    {.title = "Processes only checked image formats", .fields = kTypes, .columns = 5},
+    {.fields = kBefore, .columns = 3, .switched = true},
+    {.fields = kAfter, .columns = 3, .switched = true},
+    {.fields = kLarger, .columns = 2, .switched = true},
+    {.fields = kSmaller, .columns = 2, .switched = true},
+    {.fields = kWider, .switched = true},
+    {.fields = kNarrower, .switched = true},
+};
+// The controls of one source at a time.
+constexpr ShownWhen kShown[] = {{start::kListPath, start::kLocation, start::kFromList},
+                                {start::kFolderPath, start::kLocation, "2"},
+                                {start::kSubfolders, start::kLocation, "2"}};
+constexpr DialogSpec kDialog{.title = "Start: input setup",
+                             .windowState = "WS76",
+                             .helpTopic = "StartInputsetup",
+                             .groups = kGroups,
+                             .shownWhen = kShown};
 
 std::string Panel(const Fields& fields) {
     const bool atRunTime = fields.Is(start::kLocation, "0");

@@ -3,6 +3,7 @@
 // What a command says of its parameters: one FieldSpec for each field, in the order of the stored
 // string. Parsing, factory defaults, panel texts, dialogs and their clamps all read it.
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -172,6 +173,29 @@ struct Follow {
     std::span<const int> followers;
 };
 
+/// Fields that stand together: in a frame with that title, or without one if it is empty.
+struct FieldGroup {
+    std::string_view title;
+    std::span<const int> fields;  // in the order shown; the place is that of the first
+    int columns = 1;              // fields in a line
+    bool switched = false;        // the first, a Flag on a line of its own, enables the others
+};
+
+/// Count fields in a row, for a FieldGroup.
+template <std::size_t Count>
+constexpr std::array<int, Count> FieldsFrom(int first) {
+    std::array<int, Count> fields{};
+    for (std::size_t i = 0; i < Count; ++i) fields[i] = first + static_cast<int>(i);
+    return fields;
+}
+
+/// A field that is shown only while another one has that text.
+struct ShownWhen {
+    int field = -1;
+    int whenField = -1;
+    std::string_view text;
+};
+
 /// What the dialog of a command shows beside its fields.
 struct DialogSpec {
     std::string_view title;
@@ -179,6 +203,8 @@ struct DialogSpec {
     std::string_view helpTopic;
     std::span<const std::string_view> notes;  // static texts of the dialog
     Follow follow;
+    std::span<const FieldGroup> groups;
+    std::span<const ShownWhen> shownWhen;
 };
 
 /// What the interface and the parser know of a command; what it does is the engine's.

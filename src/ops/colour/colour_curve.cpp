@@ -37,8 +37,12 @@ constexpr std::array<FieldSpec, kFirstPoint + kCurvePoints> MakeFields() {
     return fields;
 }
 constexpr auto kFields = MakeFields();
-constexpr DialogSpec kDialog{
-    .title = "Color curve adjustment", .windowState = "WS14", .helpTopic = "Colorcurveadjust"};
+constexpr auto kPoints = script::FieldsFrom<kCurvePoints>(kFirstPoint);
+constexpr script::FieldGroup kGroups[] = {{.title = "Levels", .fields = kPoints, .columns = 3}};
+constexpr DialogSpec kDialog{.title = "Color curve adjustment",
+                             .windowState = "WS14",
+                             .helpTopic = "Colorcurveadjust",
+                             .groups = kGroups};
 
 std::string PanelText(const Fields& fields) {
     std::string text = "Adjustment curve for:\n";

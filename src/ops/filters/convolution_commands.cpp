@@ -125,11 +125,15 @@ constexpr std::array kCustomFields{kZero,
                                    kZero,  //
                                    Integer("Scale:", "2"),
                                    Integer("Offset:", "0"),
-                                   Text("", "Sharpen").Quoted(true)};
+                                   Text("Name:", "Sharpen").Quoted(true)};
 constexpr std::array kCustomPanel{Value(kName, "Custom filter: "), Value(kScale, "Scale: "),
                                   Value(kOffset, "Offset addjustment:")};
-constexpr DialogSpec kCustomDialog{
-    .title = "Custom filter", .windowState = "WS24", .helpTopic = "Customfilter"};
+constexpr auto kWeights = FieldsFrom<25>(kFirstWeight);
+constexpr FieldGroup kCustomGroups[] = {{.fields = kWeights, .columns = 5}};
+constexpr DialogSpec kCustomDialog{.title = "Custom filter",
+                                   .windowState = "WS24",
+                                   .helpTopic = "Customfilter",
+                                   .groups = kCustomGroups};
 
 Convolution CustomOf(const Fields& fields) {
     Convolution convolution;

@@ -1,0 +1,170 @@
+#include "ui/command_form.h"
+
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "engine/editing.h"
+#include "script/catalogue.h"
+#include "ui/dialog_placement.h"
+#include "ui/text.h"
+
+namespace lumo::ui {
+namespace {
+
+constexpr int kSettleMilliseconds = 1000;
+constexpr int kPreviewMilliseconds = 60;  // joins what a key press or a drag changes at once
+constexpr double kScreenShare = 0.8;
+
+imaging::ConstImageView SampleOf(const engine::CLumoscriptView& view) {
+    return view.run.batchRunning ? view.sample.left.View() : view.working.main.View();
+}
+
+std::string_view WindowStateOf(const engine::Command& command) {
+    return command.spec.dialog ? command.spec.dialog->windowState : std::string_view();
+}
+
+bool KeepsDefault(const engine::Command& command) {
+    const script::CatalogueRow* row = script::FindByName(command.spec.name);
+    return row && !row->defaultsKey.empty();
+}
+
+/// As large as its contents, up to most of the screen.
+class FieldScroll : public QScrollArea {
+  public:
+    QSize sizeHint() const override {
+        const QSize most = screen()->availableSize() * kScreenShare;
+        return widget()->sizeHint().grownBy({0, 0, BarWidth(), 0}).boundedTo(most);
+    }
+    QSize minimumSizeHint() const override {
+        return {widget()->minimumSizeHint().width() + BarWidth(),
+                std::min(widget()->minimumSizeHint().height(), fontMetrics().lineSpacing() * 8)};
+    }
+
+  private:
+    int BarWidth() const { return verticalScrollBar()->sizeHint().width(); }
+};
+
+}  // namespace
+
+CommandForm::CommandForm(engine::CLumoscriptView& view, const engine::Command& command,
+                         const std::string& params, QWidget* parent)
+    : QDialog(parent), view_(view), command_(command) {
+    const script::DialogSpec* dialog = command.spec.dialog;
+    setWindowTitle(ToQt(dialog ? dialog->title : command.spec.name));
+    setSizeGripEnabled(true);
+
+    Mnemonics mnemonics(QStringLiteral("ocd"));
+    fields_ = new FormFields(view, command.spec, ReadParams(command.spec, params), mnemonics);
+    auto* lines = new QVBoxLayout(this);
+    auto* body = new QHBoxLayout;
+    lines->addLayout(body, 1);
+    const imaging::ConstImageView sample = SampleOf(view);
+    const bool hasPreview = PreviewRenderer::CanShow(command) && !sample.IsEmpty();
+    body->addWidget(MakeScrolled(fields_), hasPreview ? 0 : 1);
+    if (hasPreview) {
+        preview_ = new PreviewArea(sample.Extent());
+        body->addWidget(preview_, 1);
+    }
+    lines->addWidget(MakeButtons());
+
+    settleTimer_.setSingleShot(true);
+    settleTimer_.setInterval(kSettleMilliseconds);
+    connect(&settleTimer_, &QTimer::timeout, fields_, &FormFields::Settle);
+    connect(fields_, &FormFields::Changed, &settleTimer_, qOverload<>(&QTimer::start));
+    if (hasPreview) StartPreview(sample);
+    RestorePlacement(*this, view.settings, WindowStateOf(command));
+}
+
+CommandForm::~CommandForm() {
+    // While it hides, the edit with the focus settles and starts the timers.
+    hide();
+}
+
+std::string CommandForm::Params() const {
+    return WriteParams(command_.spec, fields_->Texts());
+}
+
+void CommandForm::accept() {
+    fields_->Settle();
+    SavePlacement(*this, view_.settings, WindowStateOf(command_));
+    QDialog::accept();
+}
+
+QWidget* CommandForm::MakeScrolled(QWidget* fields) {
+    auto* scroll = new FieldScroll;
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidget(fields);
+    scroll->setVisible(!fields_->IsEmpty());
+    return scroll;
+}
+
+QWidget* CommandForm::MakeButtons() {
+    auto* row = new QWidget;
+    auto* line = new QHBoxLayout(row);
+    line->setContentsMargins(0, 0, 0, 0);
+    default_ = new QCheckBox(QStringLiteral("&Default"));
+    default_->setToolTip(QStringLiteral("New commands of this kind begin with these values"));
+    default_->setVisible(KeepsDefault(command_));
+    line->addWidget(default_);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("&OK"));
+    buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("&Cancel"));
+    connect(buttons, &QDialogButtonBox::accepted, this, &CommandForm::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &CommandForm::reject);
+    line->addWidget(buttons, 1);
+    return row;
+}
+
+void CommandForm::StartPreview(imaging::ConstImageView sample) {
+    renderer_ = std::make_unique<PreviewRenderer>(view_, command_, sample);
+    connect(renderer_.get(), &PreviewRenderer::Ready, this, &CommandForm::ShowPreview);
+    previewTimer_.setSingleShot(true);
+    previewTimer_.setInterval(kPreviewMilliseconds);
+    connect(&previewTimer_, &QTimer::timeout, this, &CommandForm::RequestPreview);
+    // Not started anew by each change: a slider that is dragged shows its way.
+    const auto schedule = [this] {
+        if (!previewTimer_.isActive()) previewTimer_.start();
+    };
+    connect(fields_, &FormFields::Changed, this, schedule);
+    connect(preview_, &PreviewArea::FrameSizeChanged, this, schedule);
+}
+
+void CommandForm::RequestPreview() {
+    renderer_->Request(preview_->Before().FrameSize(), ReadParams(command_.spec, Params()));
+}
+
+void CommandForm::ShowPreview(const PreviewPictures& pictures) {
+    preview_->Before().Show(pictures.before);
+    if (pictures.secondMissing)
+        preview_->After().Show(QStringLiteral("The second picture cannot be opened."));
+    else
+        preview_->After().Show(pictures.after);
+}
+
+bool EditParameters(QWidget* parent, engine::CLumoscriptView& view, const engine::Command& command,
+                    std::string& params) {
+    bool makeDefault = false;
+    if (!EditParameters(parent, view, command, params, makeDefault)) return false;
+    if (makeDefault) engine::SetDefaultParams(view, command.spec.name, params);
+    return true;
+}
+
+bool EditParameters(QWidget* parent, engine::CLumoscriptView& view, const engine::Command& command,
+                    std::string& params, bool& makeDefault) {
+    CommandForm form(view, command, params, parent);
+    if (form.exec() != QDialog::Accepted) return false;
+    params = form.Params();
+    makeDefault = form.MakesDefault();
+    return true;
+}
+
+}  // namespace lumo::ui

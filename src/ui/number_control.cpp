@@ -1,0 +1,98 @@
+#include "ui/number_control.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QSignalBlocker>
+#include <cmath>
+
+#include "ui/text.h"
+
+namespace lumo::ui {
+namespace {
+
+constexpr double kMostSliderSteps = 500;  // beyond that it is too coarse to hit a number
+constexpr int kShortestSlider = 80;
+
+}  // namespace
+
+NumberControl::NumberControl(const script::FieldSpec& spec, int field, ControlSize size,
+                             QWidget* parent)
+    : FieldControl(field, parent),
+      spec_(spec),
+      edit_(new NumberEdit(spec.kind == script::FieldKind::Integer ? NumberEdit::Kind::Integer
+                                                                   : NumberEdit::Kind::Real)) {
+    auto* line = new QHBoxLayout(this);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->addWidget(edit_);
+    if (!spec.unit.empty()) line->addWidget(new QLabel(ToQt(spec.unit)));
+    if (size == ControlSize::Line) {
+        slider_ = new QSlider(Qt::Horizontal);
+        slider_->setMinimumWidth(kShortestSlider);
+        slider_->setFocusPolicy(Qt::ClickFocus);  // the edit beside it has the keyboard
+        line->addWidget(slider_, 1);
+        connect(slider_, &QSlider::valueChanged, this,
+                [this](int steps) { edit_->SetValue(steps * edit_->Step()); });
+    }
+    line->addStretch(slider_ ? 0 : 1);
+    connect(edit_, &NumberEdit::Edited, this, [this] {
+        MoveSlider();
+        Q_EMIT Changed();
+    });
+    edit_->SetRange(spec.low, spec.high);
+    ShowRange();
+}
+
+void NumberControl::Load(const script::Fields& fields) {
+    edit_->SetText(fields.Text(Field()));
+    if (spec_.maxLength > 0) edit_->SetMaxLength(spec_.maxLength);
+    MoveSlider();
+}
+
+void NumberControl::Store(std::span<std::string> texts) const {
+    texts[static_cast<std::size_t>(Field())] = edit_->Text();
+}
+
+void NumberControl::SetRange(double low, double high) {
+    if (edit_->Low() == low && edit_->High() == high) return;
+    edit_->SetRange(low, high);
+    ShowRange();
+    Q_EMIT HintChanged();
+}
+
+QString NumberControl::Hint() const {
+    return RangeText(*edit_);
+}
+
+void NumberControl::SetAccessibleLabel(const QString& name) {
+    edit_->setAccessibleName(name);
+    if (slider_) slider_->setAccessibleName(name);
+}
+
+void NumberControl::ShowRange() {
+    QString description = RangeText(*edit_);
+    if (!description.isEmpty() && !spec_.unit.empty())
+        description += QLatin1Char(' ') + ToQt(spec_.unit);
+    edit_->setToolTip(description);
+    edit_->setAccessibleDescription(description);
+    if (!slider_) return;
+    const double steps = (edit_->High() - edit_->Low()) / edit_->Step();
+    slider_->setVisible(steps > 0 && steps <= kMostSliderSteps);
+    const QSignalBlocker quiet(slider_);
+    slider_->setRange(static_cast<int>(std::lround(edit_->Low() / edit_->Step())),
+                      static_cast<int>(std::lround(edit_->High() / edit_->Step())));
+    slider_->setPageStep(std::max(1, static_cast<int>(steps / 10)));
+    MoveSlider();
+}
+
+void NumberControl::MoveSlider() {
+    if (!slider_) return;
+    const QSignalBlocker quiet(slider_);
+    slider_->setValue(static_cast<int>(std::lround(edit_->Value() / edit_->Step())));
+}
+
+QString RangeText(const NumberEdit& edit) {
+    if (!edit.HasRange()) return {};
+    return QStringLiteral("%1 to %2").arg(edit.Low()).arg(edit.High());
+}
+
+}  // namespace lumo::ui

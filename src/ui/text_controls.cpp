@@ -1,0 +1,68 @@
+#include "ui/text_controls.h"
+
+#include <QVBoxLayout>
+#include <utility>
+
+#include "script/characters.h"
+
+namespace lumo::ui {
+namespace {
+
+constexpr int kShownLines = 4;
+
+}  // namespace
+
+std::string Storable(const script::FieldSpec& spec, std::string text) {
+    if (spec.quoted) {
+        std::ranges::replace(text, '"', '\'');
+    } else {
+        std::erase_if(text, [](char c) { return c == '"' || c == ',' || c == '\r' || c == '\n'; });
+    }
+    return text;
+}
+
+TextControl::TextControl(const script::FieldSpec& spec, int field, QWidget* parent)
+    : FieldControl(field, parent), spec_(spec), edit_(new QLineEdit) {
+    auto* line = new QVBoxLayout(this);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->addWidget(edit_);
+    connect(edit_, &QLineEdit::textChanged, this, &FieldControl::Changed);
+}
+
+void TextControl::Load(const script::Fields& fields) {
+    loaded_ = LoadedText(fields.Text(Field()));
+    edit_->setText(loaded_.Shown());
+    loaded_.SetShown(edit_->text());
+    edit_->setCursorPosition(0);
+    if (spec_.maxLength > 0) edit_->setMaxLength(loaded_.Limit(spec_.maxLength));
+}
+
+void TextControl::Store(std::span<std::string> texts) const {
+    texts[static_cast<std::size_t>(Field())] = Storable(spec_, loaded_.Of(edit_->text()));
+}
+
+MultiLineControl::MultiLineControl(const script::FieldSpec& spec, int field, QWidget* parent)
+    : FieldControl(field, parent), spec_(spec), edit_(new QPlainTextEdit) {
+    auto* line = new QVBoxLayout(this);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->addWidget(edit_);
+    edit_->setTabChangesFocus(true);
+    edit_->setMinimumHeight(edit_->fontMetrics().lineSpacing() * kShownLines);
+    connect(edit_, &QPlainTextEdit::textChanged, this, &FieldControl::Changed);
+}
+
+void MultiLineControl::Load(const script::Fields& fields) {
+    loaded_ = LoadedText(fields.Text(Field()));
+    edit_->setPlainText(loaded_.Shown());
+    loaded_.SetShown(edit_->toPlainText());
+}
+
+void MultiLineControl::Store(std::span<std::string> texts) const {
+    const QString now = edit_->toPlainText();
+    std::string text = Storable(spec_, loaded_.Of(now));
+    if (spec_.maxLength > 0 && now != loaded_.Shown())
+        text = script::FirstCharacters(text, static_cast<std::size_t>(spec_.maxLength));
+    texts[static_cast<std::size_t>(Field())] = std::move(text);
+}
+
+}  // namespace lumo::ui
