@@ -46,7 +46,8 @@ constexpr DialogSpec kDialog{.title = "Output setup",
                              .windowState = "WS63",
                              .helpTopic = "Outputsetup",
                              .notes = kNotes,
-                             .shownWhen = kShown};
+                             .shownWhen = kShown,
+                             .notesWhen = {.whenField = output::kOriginalFolder, .text = "1"}};
 
 std::string PanelOf(const Fields& fields) {
     std::string text;

@@ -205,6 +205,7 @@ struct DialogSpec {
     Follow follow;
     std::span<const FieldGroup> groups;
     std::span<const ShownWhen> shownWhen;
+    ShownWhen notesWhen;  // the notes too, if it names a field
 };
 
 /// What the interface and the parser know of a command; what it does is the engine's.

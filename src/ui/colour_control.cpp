@@ -96,10 +96,6 @@ void ColourControl::Settle() {
     for (NumberEdit* edit : edits_) edit->Settle();
 }
 
-QString ColourControl::Hint() const {
-    return RangeText(*edits_[0]);
-}
-
 void ColourControl::SetAccessibleLabel(const QString& name) {
     for (std::size_t i = 0; i < edits_.size(); ++i) {
         edits_[i]->setAccessibleName(name + QLatin1Char(' ') + QLatin1String(kChannelNames[i]));

@@ -44,7 +44,6 @@ class ColourControl : public FieldControl {
     void Load(const script::Fields& fields) override;
     void Store(std::span<std::string> texts) const override;
     void Settle() override;
-    QString Hint() const override;
     QWidget* Buddy() override { return edits_[0]; }
     void SetAccessibleLabel(const QString& name) override;
 

@@ -31,8 +31,6 @@ class FieldControl : public QWidget {
     virtual void Settle() {}
 
     virtual void SetRange(double, double) {}
-    /// The range in words, or empty.
-    virtual QString Hint() const { return {}; }
 
     /// Takes the keyboard for the label.
     virtual QWidget* Buddy() = 0;
@@ -46,8 +44,6 @@ class FieldControl : public QWidget {
   Q_SIGNALS:
     /// The user, or a control that this one follows, has changed it.
     void Changed();
-    /// Its range has become another one.
-    void HintChanged();
 
   private:
     int field_;

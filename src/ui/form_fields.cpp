@@ -10,7 +10,9 @@
 namespace lumo::ui {
 namespace {
 
-enum Column { kLabel, kControl, kHint, kColumns };
+enum Column { kLabel, kControl, kColumns };
+
+constexpr int kMostColumns = 8;  // of labels and fields behind a switch
 
 const script::DialogSpec kNoDialog;
 
@@ -111,52 +113,69 @@ void FormFields::AddLine(int field) {
     } else {
         grid_->addWidget(control, row, kLabel, 1, kColumns);
     }
-    if (!control->Hint().isEmpty()) {
-        line.hint = new QLabel(control->Hint());
-        line.hint->setForegroundRole(QPalette::PlaceholderText);
-        grid_->addWidget(line.hint, row, kHint);
-        connect(control, &FieldControl::HintChanged, line.hint,
-                [control, hint = line.hint] { hint->setText(control->Hint()); });
-    }
     lines_.push_back(line);
 }
 
 void FormFields::AddGroup(const script::FieldGroup& group) {
+    if (group.switched)
+        AddSwitchedGroup(group);
+    else
+        AddGrid(group);
+}
+
+void FormFields::AddSwitchedGroup(const script::FieldGroup& group) {
+    // Such lines that follow one another share a grid, so that their fields stand in columns.
+    if (!switched_ || grid_->itemAt(grid_->count() - 1)->widget() != switched_) {
+        switched_ = new QWidget;
+        auto* fresh = new QGridLayout(switched_);
+        fresh->setContentsMargins(0, 0, 0, 0);
+        fresh->setColumnStretch(kMostColumns, 1);
+        grid_->addWidget(switched_, grid_->rowCount(), kLabel, 1, kColumns);
+    }
+    auto* cells = static_cast<QGridLayout*>(switched_->layout());
+    const int row = cells->rowCount();
+    const int lead = group.fields.front();
+    FieldControl* box = Make(lead, ControlSize::Cell);
+    cells->addWidget(box, row, 0);
+    lines_.push_back({.control = box});
+    int column = 1;
+    for (const int field : group.fields.subspan(1)) {
+        FieldControl* control = Make(field, ControlSize::Cell);
+        control->SetAccessibleLabel(Spoken(LabelText(lead)) + QStringLiteral(": ") +
+                                    Spoken(LabelText(field)));
+        lines_.push_back({.control = control, .label = AddCell(*cells, row, column, control)});
+        column += 2;
+    }
+}
+
+void FormFields::AddGrid(const script::FieldGroup& group) {
     QWidget* box = group.title.empty() ? new QWidget : new QGroupBox(Literally(ToQt(group.title)));
     auto* cells = new QGridLayout(box);
     if (group.title.empty()) cells->setContentsMargins(0, 0, 0, 0);
     const int columns = std::max(1, group.columns);
-    int place = 0, head = 0;
-    QString common = Spoken(ToQt(group.title));
+    const QString title = Spoken(ToQt(group.title));
+    int place = 0;
     for (const int field : group.fields) {
         FieldControl* control = Make(field, ControlSize::Cell);
-        if (!control) continue;
-        Line line{.control = control};
-        if (group.switched && field == group.fields.front()) {
-            cells->addWidget(control, head++, 0, 1, 2 * columns + 1);
-            common = Spoken(LabelText(field));
-            lines_.push_back(line);
-            continue;
-        }
         const int row = place / columns, column = place % columns;
         ++place;
-        const QString label = LabelText(field);
-        if (control->NeedsLabel() && !label.isEmpty()) {
-            line.label = new QLabel(Literally(label));
-            cells->addWidget(line.label, head + row, 2 * column, Qt::AlignRight | Qt::AlignVCenter);
-        }
-        cells->addWidget(control, head + row, 2 * column + 1);
-        if (control->NeedsLabel()) {
-            const QString own =
-                label.isEmpty() ? QStringLiteral("row %1, column %2").arg(row + 1).arg(column + 1)
-                                : Spoken(label);
-            control->SetAccessibleLabel(common.isEmpty() ? own
-                                                         : common + QStringLiteral(": ") + own);
-        }
-        lines_.push_back(line);
+        lines_.push_back({.control = control, .label = AddCell(*cells, row, 2 * column, control)});
+        if (!control->NeedsLabel()) continue;
+        QString name = Spoken(LabelText(field));
+        if (name.isEmpty()) name = QStringLiteral("row %1, column %2").arg(row + 1).arg(column + 1);
+        control->SetAccessibleLabel(title.isEmpty() ? name : title + QStringLiteral(": ") + name);
     }
     cells->setColumnStretch(2 * columns, 1);
     grid_->addWidget(box, grid_->rowCount(), kLabel, 1, kColumns);
+}
+
+QLabel* FormFields::AddCell(QGridLayout& cells, int row, int column, FieldControl* control) {
+    cells.addWidget(control, row, column + 1);
+    const QString text = LabelText(control->Field());
+    if (!control->NeedsLabel() || text.isEmpty()) return nullptr;
+    auto* label = new QLabel(Literally(text));
+    cells.addWidget(label, row, column, Qt::AlignRight | Qt::AlignVCenter);
+    return label;
 }
 
 void FormFields::AddFollow() {
@@ -175,6 +194,7 @@ void FormFields::AddNotes() {
     for (const std::string_view note : DialogOf(spec_).notes) {
         auto* label = new QLabel(Literally(ToQt(note)));
         label->setWordWrap(true);
+        notes_.push_back(label);
         grid_->addWidget(label, grid_->rowCount(), kLabel, 1, kColumns);
     }
 }
@@ -204,6 +224,7 @@ void FormFields::Update() {
     UpdateRanges(texts);
     UpdateSwitched(texts);
     UpdateVisible(texts);
+    UpdateNotes(texts);
     updating_ = false;
 }
 
@@ -226,8 +247,14 @@ void FormFields::UpdateVisible(const std::vector<std::string>& texts) {
         const bool shown = texts[static_cast<std::size_t>(rule.whenField)] == rule.text;
         line->control->setVisible(shown);
         if (line->label) line->label->setVisible(shown);
-        if (line->hint) line->hint->setVisible(shown);
     }
+}
+
+void FormFields::UpdateNotes(const std::vector<std::string>& texts) {
+    const script::ShownWhen& rule = DialogOf(spec_).notesWhen;
+    if (rule.whenField < 0) return;
+    for (QLabel* note : notes_)
+        note->setVisible(texts[static_cast<std::size_t>(rule.whenField)] == rule.text);
 }
 
 void FormFields::UpdateFollowers() {

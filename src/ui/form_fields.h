@@ -44,7 +44,6 @@ class FormFields : public QWidget {
     struct Line {
         FieldControl* control = nullptr;
         QLabel* label = nullptr;
-        QLabel* hint = nullptr;
     };
 
     FieldControl* Make(int field, ControlSize size);
@@ -52,6 +51,10 @@ class FormFields : public QWidget {
     static void Bind(const Line& line);
     void AddLine(int field);
     void AddGroup(const script::FieldGroup& group);
+    void AddSwitchedGroup(const script::FieldGroup& group);
+    void AddGrid(const script::FieldGroup& group);
+    /// A control with its label, if it needs one, in two columns.
+    QLabel* AddCell(QGridLayout& cells, int row, int column, FieldControl* control);
     void AddFollow();
     void AddNotes();
     const script::FieldGroup* GroupOf(int field) const;
@@ -61,6 +64,7 @@ class FormFields : public QWidget {
     void Update();
     void UpdateRanges(const std::vector<std::string>& texts);
     void UpdateVisible(const std::vector<std::string>& texts);
+    void UpdateNotes(const std::vector<std::string>& texts);
     void UpdateFollowers();
     void UpdateSwitched(const std::vector<std::string>& texts);
 
@@ -70,7 +74,9 @@ class FormFields : public QWidget {
     std::vector<std::string> loaded_;
     std::vector<Line> lines_;
     QGridLayout* grid_;
+    QWidget* switched_ = nullptr;  // the last box of lines with a switch
     QCheckBox* follow_ = nullptr;
+    std::vector<QLabel*> notes_;
     bool updating_ = false;
 };
 

@@ -1,7 +1,6 @@
 #include "ui/number_control.h"
 
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QSignalBlocker>
 #include <cmath>
 
@@ -10,8 +9,9 @@
 namespace lumo::ui {
 namespace {
 
-constexpr double kMostSliderSteps = 500;  // beyond that it is too coarse to hit a number
-constexpr int kShortestSlider = 80;
+constexpr double kMostSliderSteps = 512;  // beyond that it is too coarse to hit a number
+constexpr int kShortestSlider = 120;
+constexpr char kUsualHint[] = "-100 to 100 %";
 
 }  // namespace
 
@@ -20,12 +20,17 @@ NumberControl::NumberControl(const script::FieldSpec& spec, int field, ControlSi
     : FieldControl(field, parent),
       spec_(spec),
       edit_(new NumberEdit(spec.kind == script::FieldKind::Integer ? NumberEdit::Kind::Integer
-                                                                   : NumberEdit::Kind::Real)) {
+                                                                   : NumberEdit::Kind::Real)),
+      hint_(new QLabel) {
     auto* line = new QHBoxLayout(this);
     line->setContentsMargins(0, 0, 0, 0);
     line->addWidget(edit_);
-    if (!spec.unit.empty()) line->addWidget(new QLabel(ToQt(spec.unit)));
+    line->addWidget(hint_);
+    hint_->setForegroundRole(QPalette::PlaceholderText);
+    hint_->setVisible(size == ControlSize::Line);
     if (size == ControlSize::Line) {
+        // Sliders begin below one another, whatever stands before them.
+        hint_->setMinimumWidth(hint_->fontMetrics().horizontalAdvance(QLatin1String(kUsualHint)));
         slider_ = new QSlider(Qt::Horizontal);
         slider_->setMinimumWidth(kShortestSlider);
         slider_->setFocusPolicy(Qt::ClickFocus);  // the edit beside it has the keyboard
@@ -33,7 +38,7 @@ NumberControl::NumberControl(const script::FieldSpec& spec, int field, ControlSi
         connect(slider_, &QSlider::valueChanged, this,
                 [this](int steps) { edit_->SetValue(steps * edit_->Step()); });
     }
-    line->addStretch(slider_ ? 0 : 1);
+    line->addStretch();
     connect(edit_, &NumberEdit::Edited, this, [this] {
         MoveSlider();
         Q_EMIT Changed();
@@ -56,11 +61,11 @@ void NumberControl::SetRange(double low, double high) {
     if (edit_->Low() == low && edit_->High() == high) return;
     edit_->SetRange(low, high);
     ShowRange();
-    Q_EMIT HintChanged();
 }
 
 QString NumberControl::Hint() const {
-    return RangeText(*edit_);
+    const QString range = RangeText(*edit_), unit = ToQt(spec_.unit);
+    return range.isEmpty() || unit.isEmpty() ? range + unit : range + QLatin1Char(' ') + unit;
 }
 
 void NumberControl::SetAccessibleLabel(const QString& name) {
@@ -69,11 +74,9 @@ void NumberControl::SetAccessibleLabel(const QString& name) {
 }
 
 void NumberControl::ShowRange() {
-    QString description = RangeText(*edit_);
-    if (!description.isEmpty() && !spec_.unit.empty())
-        description += QLatin1Char(' ') + ToQt(spec_.unit);
-    edit_->setToolTip(description);
-    edit_->setAccessibleDescription(description);
+    hint_->setText(Hint());
+    edit_->setToolTip(Hint());
+    edit_->setAccessibleDescription(Hint());
     if (!slider_) return;
     const double steps = (edit_->High() - edit_->Low()) / edit_->Step();
     slider_->setVisible(steps > 0 && steps <= kMostSliderSteps);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QLabel>
 #include <QSlider>
 #include <string_view>
 
@@ -8,8 +9,8 @@
 
 namespace lumo::ui {
 
-/// An Integer or Real field: an edit, on a line of its own with a slider where it has a range, and
-/// the unit behind.
+/// An Integer or Real field: an edit, and on a line of its own its range and unit, and a slider
+/// where that can hit every number.
 class NumberControl : public FieldControl {
     Q_OBJECT
 
@@ -20,11 +21,12 @@ class NumberControl : public FieldControl {
     void Store(std::span<std::string> texts) const override;
     void Settle() override { edit_->Settle(); }
     void SetRange(double low, double high) override;
-    QString Hint() const override;
     QWidget* Buddy() override { return edit_; }
     void SetAccessibleLabel(const QString& name) override;
 
     NumberEdit& Edit() { return *edit_; }
+    /// Range and unit as shown beside the edit: "0 to 100 %".
+    QString Hint() const;
 
   private:
     void ShowRange();
@@ -32,6 +34,7 @@ class NumberControl : public FieldControl {
 
     const script::FieldSpec& spec_;
     NumberEdit* edit_;
+    QLabel* hint_;
     QSlider* slider_ = nullptr;  // counts steps of the edit
 };
 
