@@ -28,7 +28,6 @@
 #include "settings/settings_store.h"
 #include "support/command_runner.h"
 #include "support/temp_folder.h"
-#include "support/test_files.h"
 #include "ui/choice_controls.h"
 #include "ui/colour_control.h"
 #include "ui/number_control.h"
@@ -643,7 +642,7 @@ TEST_F(Form, PreviewObeysTheRangeWhileTheEditDoesNot) {
 }
 
 TEST_F(Form, EveryPreviewComesBack) {
-    view.settings.installFolder = (test::SourceRoot() / "share").string();
+    view.settings.installFolder = std::string(LUMO_SOURCE_ROOT) + "/share";
     for (const Command* command : CommandsWithForm()) {
         if (!PreviewRenderer::CanShow(*command)) continue;
         SCOPED_TRACE(command->spec.name);
