@@ -1,12 +1,11 @@
 #include "ops/colour/bw_dither.h"
 
-#include <algorithm>
 #include <array>
 #include <string>
-#include <utility>
 
 #include "imaging/tone.h"
 #include "ops/colour/colour_commands.h"
+#include "ops/colour/dither_kernels.h"
 #include "ops/colour/support.h"
 #include "script/names.h"
 
@@ -56,40 +55,16 @@ Image PreviewBwDither(ConstImageView before, Size, const Fields& fields) {
     });
 }
 
-/// Two rows of errors, with one place more at either end for the neighbours beyond the edges.
-struct ErrorRows {
-    double* current;
-    double* next;
-};
-
-void DitherRow(std::uint8_t* p, std::size_t width, ErrorRows rows) {
-    for (std::size_t i = 1; i <= width; ++i, p += 3) {
-        double v = 0.114 * p[2] + 0.587 * p[1] + 0.299 * p[0] + rows.current[i];
-        const bool white = v >= 255.0;
-        if (white) v -= 255.0;
-        rows.current[i + 1] += v * 7.0 / 16.0;
-        rows.next[i - 1] += v * 3.0 / 16.0;
-        rows.next[i] += v * 5.0 / 16.0;
-        rows.next[i + 1] += v / 16.0;
-        p[0] = p[1] = p[2] = white ? 255 : 0;
-    }
-}
-
 }  // namespace
 
 bool DitherImage(ImageView image) {
+    if (image.IsEmpty()) return true;
     const auto width = static_cast<std::size_t>(image.Width());
-    const std::size_t count = width + 2;
-    const PixelBuffer memory = PixelBuffer::TryAllocate(2 * count * sizeof(double));
+    const PixelBuffer memory =
+        PixelBuffer::TryAllocate(kernels::DitherScratch(width) * sizeof(double));
     if (!memory) return false;
-    ErrorRows rows{reinterpret_cast<double*>(memory.Data()),
-                   reinterpret_cast<double*>(memory.Data()) + count};
-    std::fill_n(rows.next, count, 0.0);
-    for (int y = 0; y < image.Height(); ++y) {
-        std::swap(rows.current, rows.next);
-        std::fill_n(rows.next, count, 0.0);
-        DitherRow(image.Row(y), width, rows);
-    }
+    kernels::Dither(image.Row(0), width, static_cast<std::size_t>(image.Height()),
+                    reinterpret_cast<double*>(memory.Data()));
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include "imaging/pixel_runs.h"
 #include "imaging/wrapping.h"
 #include "ops/colour/colour_commands.h"
+#include "ops/colour/pixel_kernels.h"
 #include "ops/colour/support.h"
 #include "script/names.h"
 
@@ -14,7 +15,7 @@ namespace {
 
 using namespace engine;
 using namespace script;
-using imaging::ConstImageView, imaging::Image, imaging::ImageView, imaging::Rgb, imaging::Size;
+using imaging::ConstImageView, imaging::Image, imaging::ImageView, imaging::Size;
 
 enum Field { kWanted = 0, kInserted = 3, kTolerance = 6 };  // colours are three fields each
 
@@ -57,12 +58,7 @@ Image PreviewReplaceColour(ConstImageView before, Size, const Fields& fields) {
     return PreviewOf(before, [&](ImageView after) { ReplaceColour(after, Read(fields)); });
 }
 
-/// The bytes within the tolerance of a wanted value; none if low is above high.
-struct Range {
-    std::uint8_t low = 255, high = 0;
-};
-
-Range RangeAround(std::int64_t wanted, std::int64_t tolerance) {
+kernels::Range RangeAround(std::int64_t wanted, std::int64_t tolerance) {
     const std::int64_t low = std::max<std::int64_t>(wanted - tolerance, 0);
     const std::int64_t high = std::min<std::int64_t>(wanted + tolerance, 255);
     if (low > high) return {};
@@ -76,19 +72,11 @@ int ToleranceLevels(int percent) {
 }
 
 void ReplaceColour(ImageView image, const ReplaceColourParams& params) {
-    const Range red = RangeAround(params.wanted[0], params.tolerance);
-    const Range green = RangeAround(params.wanted[1], params.tolerance);
-    const Range blue = RangeAround(params.wanted[2], params.tolerance);
-    const Rgb inserted = params.inserted;
-    ForPixelRuns(image, [&](std::uint8_t* p, std::size_t count) {
-        for (const std::uint8_t* const end = p + count * 3; p != end; p += 3) {
-            if (p[0] < red.low || p[0] > red.high || p[1] < green.low || p[1] > green.high ||
-                p[2] < blue.low || p[2] > blue.high)
-                continue;
-            p[0] = inserted.red;
-            p[1] = inserted.green;
-            p[2] = inserted.blue;
-        }
+    std::array<kernels::Range, 3> ranges;
+    for (std::size_t c = 0; c < ranges.size(); ++c)
+        ranges[c] = RangeAround(params.wanted[c], params.tolerance);
+    ForPixelRuns(image, [&](std::uint8_t* pixels, std::size_t count) {
+        kernels::Replace(pixels, count, ranges, params.inserted);
     });
 }
 
