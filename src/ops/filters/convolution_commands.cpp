@@ -5,7 +5,7 @@
 #include "imaging/colour.h"
 #include "ops/filters/convolution.h"
 #include "ops/filters/filters_commands.h"
-#include "ops/filters/support.h"
+#include "ops/handler_steps.h"
 #include "script/names.h"
 
 namespace lumo::ops::filters {
@@ -30,8 +30,7 @@ Outcome RunConvolution(CLumoscriptView& view, const Convolution& convolution,
                        const MemoryTexts& texts) {
     const auto failed = Convolve(view.working.main.View(), convolution);
     if (!failed) return Outcome::Succeeded;
-    OnCommandFailure(view, texts[static_cast<std::size_t>(*failed - 1)], LibraryError::Append);
-    return Outcome::Failed;
+    return FailWith(view, texts[static_cast<std::size_t>(*failed - 1)]);
 }
 
 Image PreviewConvolution(Image after, const Convolution& convolution) {
@@ -75,12 +74,10 @@ Convolution EmbossOf(const Fields& fields) {
 }
 
 Outcome RunEmboss(CLumoscriptView& view, const Fields& fields) {
-    WorkingImage& working = view.working;
-    if (!working.grey && fields.Is(kApplyTo, "1")) {
-        imaging::ImageToGrayScale(working.main.View());
-        working.grey = true;
-        working.imageBits = 8;
-        working.imageBitsForced = 1;
+    if (!view.working.grey && fields.Is(kApplyTo, "1")) {
+        if (!imaging::ImageToGrayScale(view.working.main.View()))
+            return FailWith(view, "Cmd_34 Emboss L18692: gray conversion failure: ");
+        SetGreyDepth(view, 8);
     }
     return RunConvolution(view, EmbossOf(fields), kEmbossTexts);
 }
