@@ -8,7 +8,7 @@
 #include "imaging/pixel_runs.h"
 #include "ops/colour/colour_commands.h"
 #include "ops/colour/hsl_kernels.h"
-#include "ops/colour/support.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -53,7 +53,7 @@ Outcome RunAdjustHsl(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewAdjustHsl(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { Adjust(after, fields); });
+    return PreviewOn(before, [&](ImageView after) { Adjust(after, fields); });
 }
 
 /// Without tables: where there is no memory for them, and for turns that they do not cover.

@@ -6,7 +6,7 @@
 #include "imaging/pixel_runs.h"
 #include "ops/colour/colour_commands.h"
 #include "ops/colour/pixel_kernels.h"
-#include "ops/colour/support.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -40,7 +40,7 @@ Outcome RunAdjustRgb(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewAdjustRgb(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { Add(after, fields); });
+    return PreviewOn(before, [&](ImageView after) { Add(after, fields); });
 }
 
 }  // namespace

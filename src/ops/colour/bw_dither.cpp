@@ -6,7 +6,8 @@
 #include "imaging/tone.h"
 #include "ops/colour/colour_commands.h"
 #include "ops/colour/dither_kernels.h"
-#include "ops/colour/support.h"
+#include "ops/handler_steps.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -38,18 +39,19 @@ bool RaiseContrast(ImageView image, const Fields& fields) {
 
 Outcome RunBwDither(CLumoscriptView& view, const Fields& fields) {
     const ImageView image = view.working.main.View();
-    const bool ok = RaiseContrast(image, fields);
-    if (!ok) OnCommandFailure(view, "Cmd_16 Dither L20200: ", LibraryError::Append);
-    if (!DitherImage(image)) {
-        OnCommandFailure(view, "Cmd_16 Dither: memory failure", LibraryError::Append);
-        return Outcome::Failed;
-    }
+    // First of all, so that a failure finds the picture as it was.
+    const PixelBuffer errors = TryAllocateErrors(image.Width());
+    if (!errors) return FailWith(view, "Cmd_16 Dither: memory failure");
+    // Without its contrast the picture is dithered all the same.
+    const Outcome outcome =
+        ReportIfFailed(view, RaiseContrast(image, fields), "Cmd_16 Dither L20200: ");
+    DitherImage(image, errors);
     SetGreyDepth(view, 1);
-    return ToOutcome(ok);
+    return outcome;
 }
 
 Image PreviewBwDither(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) {
+    return PreviewOn(before, [&](ImageView after) {
         (void)RaiseContrast(after, fields);
         (void)DitherImage(after);
     });
@@ -57,15 +59,22 @@ Image PreviewBwDither(ConstImageView before, Size, const Fields& fields) {
 
 }  // namespace
 
+PixelBuffer TryAllocateErrors(int width) {
+    return PixelBuffer::TryAllocate(kernels::DitherScratch(static_cast<std::size_t>(width)) *
+                                    sizeof(double));
+}
+
+void DitherImage(ImageView image, const PixelBuffer& errors) {
+    if (image.IsEmpty()) return;
+    kernels::Dither(image.Row(0), static_cast<std::size_t>(image.Width()),
+                    static_cast<std::size_t>(image.Height()),
+                    reinterpret_cast<double*>(errors.Data()));
+}
+
 bool DitherImage(ImageView image) {
-    if (image.IsEmpty()) return true;
-    const auto width = static_cast<std::size_t>(image.Width());
-    const PixelBuffer memory =
-        PixelBuffer::TryAllocate(kernels::DitherScratch(width) * sizeof(double));
-    if (!memory) return false;
-    kernels::Dither(image.Row(0), width, static_cast<std::size_t>(image.Height()),
-                    reinterpret_cast<double*>(memory.Data()));
-    return true;
+    const PixelBuffer errors = TryAllocateErrors(image.Width());
+    if (errors) DitherImage(image, errors);
+    return static_cast<bool>(errors);
 }
 
 const Command kConvertBwDitherCommand{.spec = {.name = names::kConvertBwDither,

@@ -8,7 +8,8 @@
 #include "imaging/wrapping.h"
 #include "ops/colour/colour_commands.h"
 #include "ops/colour/pixel_kernels.h"
-#include "ops/colour/support.h"
+#include "ops/handler_steps.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -55,7 +56,7 @@ Outcome RunBwThreshold(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewBwThreshold(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { Convert(after, fields); });
+    return PreviewOn(before, [&](ImageView after) { Convert(after, fields); });
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include "imaging/pixel_runs.h"
 #include "ops/colour/colour_commands.h"
 #include "ops/colour/pixel_kernels.h"
-#include "ops/colour/support.h"
+#include "ops/handler_steps.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {

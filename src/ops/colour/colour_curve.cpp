@@ -6,7 +6,8 @@
 #include "imaging/pixel_runs.h"
 #include "ops/colour/colour_commands.h"
 #include "ops/colour/curve_kernels.h"
-#include "ops/colour/support.h"
+#include "ops/handler_steps.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -78,7 +79,7 @@ Outcome RunColourCurve(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewColourCurve(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { (void)Adjust(after, fields); });
+    return PreviewOn(before, [&](ImageView after) { (void)Adjust(after, fields); });
 }
 
 }  // namespace

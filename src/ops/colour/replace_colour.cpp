@@ -7,7 +7,9 @@
 #include "imaging/wrapping.h"
 #include "ops/colour/colour_commands.h"
 #include "ops/colour/pixel_kernels.h"
-#include "ops/colour/support.h"
+#include "ops/colour_fields.h"
+#include "ops/panel_lines.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -33,18 +35,17 @@ constexpr DialogSpec kDialog{.title = "Replace one color   RGB (0 - 255)",
                              .helpTopic = "Replace1color"};
 
 std::string PanelText(const Fields& fields) {
-    const auto colour = [&](int first) {
-        return fields.Text(first) + ": " + fields.Text(first + 1) + ": " + fields.Text(first + 2);
-    };
-    return "Replace color: " + colour(kWanted) + "\nTolerance %: " + fields.Text(kTolerance) +
-           "\nInsert color: " + colour(kInserted) + "\n";
+    return PanelLines()
+        .Line("Replace color: ", JoinColour(fields, kWanted, ": "))
+        .Line("Tolerance %: ", fields.Text(kTolerance))
+        .Line("Insert color: ", JoinColour(fields, kInserted, ": "))
+        .Text();
 }
 
 ReplaceColourParams Read(const Fields& fields) {
-    const auto low8 = [&](int field) { return static_cast<std::uint8_t>(fields.Integer(field)); };
     return {.wanted = {fields.Integer(kWanted), fields.Integer(kWanted + 1),
                        fields.Integer(kWanted + 2)},
-            .inserted = {low8(kInserted), low8(kInserted + 1), low8(kInserted + 2)},
+            .inserted = ColourOf(fields, kInserted),
             .tolerance = ToleranceLevels(fields.Integer(kTolerance))};
 }
 
@@ -55,7 +56,7 @@ Outcome RunReplaceColour(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewReplaceColour(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { ReplaceColour(after, Read(fields)); });
+    return PreviewOn(before, [&](ImageView after) { ReplaceColour(after, Read(fields)); });
 }
 
 kernels::Range RangeAround(std::int64_t wanted, std::int64_t tolerance) {

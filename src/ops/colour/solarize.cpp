@@ -6,7 +6,7 @@
 #include "ops/colour/channels.h"
 #include "ops/colour/colour_commands.h"
 #include "ops/colour/pixel_kernels.h"
-#include "ops/colour/support.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -29,7 +29,7 @@ Outcome RunSolarize(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewSolarize(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { Solarize(after, fields.Integer(kThreshold)); });
+    return PreviewOn(before, [&](ImageView after) { Solarize(after, fields.Integer(kThreshold)); });
 }
 
 }  // namespace

@@ -8,7 +8,8 @@
 #include "ops/colour/colour_commands.h"
 #include "ops/colour/hsl_kernels.h"
 #include "ops/colour/pixel_kernels.h"
-#include "ops/colour/support.h"
+#include "ops/handler_steps.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -48,7 +49,7 @@ Outcome RunOneColourTone(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewOneColourTone(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) {
+    return PreviewOn(before, [&](ImageView after) {
         (void)ToneImage(after, ToneSource::Colour, fields.Integer(kHue),
                         fields.Integer(kSaturation));
     });
