@@ -90,39 +90,22 @@ Image PreviewEmboss(ConstImageView before, Size, const Fields& fields) {
 
 enum CustomField { kFirstWeight = 0, kScale = 25, kOffset, kName };
 
-constexpr FieldSpec Weight(std::string_view factory) {
-    return Integer("", factory).MaxLength(4);
+constexpr std::array<std::string_view, kScale> kSharpeningWeights{"0", "0",  "0", "0",  "0",  //
+                                                                  "0", "-1", "0", "-1", "0",  //
+                                                                  "0", "0",  "6", "0",  "0",  //
+                                                                  "0", "-1", "0", "-1", "0",  //
+                                                                  "0", "0",  "0", "0",  "0"};
+
+constexpr std::array<FieldSpec, kName + 1> MakeCustomFields() {
+    std::array<FieldSpec, kName + 1> fields{};
+    for (std::size_t i = 0; i < kScale; ++i)
+        fields[i] = Integer("", kSharpeningWeights[i]).MaxLength(4);
+    fields[kScale] = Integer("Scale:", "2");
+    fields[kOffset] = Integer("Offset:", "0");
+    fields[kName] = Text("Name:", "Sharpen").Quoted(true);
+    return fields;
 }
-constexpr FieldSpec kZero = Weight("0");
-constexpr FieldSpec kMinusOne = Weight("-1");
-constexpr std::array kCustomFields{kZero,
-                                   kZero,
-                                   kZero,
-                                   kZero,
-                                   kZero,  //
-                                   kZero,
-                                   kMinusOne,
-                                   kZero,
-                                   kMinusOne,
-                                   kZero,  //
-                                   kZero,
-                                   kZero,
-                                   Weight("6"),
-                                   kZero,
-                                   kZero,  //
-                                   kZero,
-                                   kMinusOne,
-                                   kZero,
-                                   kMinusOne,
-                                   kZero,  //
-                                   kZero,
-                                   kZero,
-                                   kZero,
-                                   kZero,
-                                   kZero,  //
-                                   Integer("Scale:", "2"),
-                                   Integer("Offset:", "0"),
-                                   Text("Name:", "Sharpen").Quoted(true)};
+constexpr auto kCustomFields = MakeCustomFields();
 constexpr std::array kCustomPanel{Value(kName, "Custom filter: "), Value(kScale, "Scale: "),
                                   Value(kOffset, "Offset addjustment:")};
 constexpr auto kWeights = FieldsFrom<25>(kFirstWeight);
