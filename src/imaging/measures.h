@@ -6,7 +6,8 @@
 
 namespace lumo::imaging {
 
-/// Number of different colours; 0 if the scratch memory (2 MiB) cannot be had.
+/// Number of different colours; 0, with LastError() set, if the scratch memory (2 MiB) cannot be
+/// had, and for an empty picture.
 int CountImageColors(ConstImageView image);
 
 /// 0.299 times the mean of red + green + blue over all pixels: no luminance in spite of its name,

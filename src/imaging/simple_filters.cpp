@@ -66,7 +66,13 @@ void MoveRow(const ThreeRows& rows, std::size_t stride, int weight, std::uint8_t
     if (stride > 2 * kStep) MoveInside(rows.above, rows.here, rows.below, kStep, last, weight, out);
 }
 
+bool RefuseEmpty(ConstImageView image) {
+    if (image.IsEmpty()) SetLastError("the picture is empty");
+    return image.IsEmpty();
+}
+
 bool MoveImage(ConstImageView source, ImageView target, int weight) {
+    if (RefuseEmpty(source)) return false;
     if (source.Extent() != target.Extent()) {
         SetLastError("the target of the filter has another size than the picture");
         return false;
@@ -121,7 +127,7 @@ bool SharpenImage(ConstImageView source, ImageView target, int amount) {
 
 bool DespeckleImage(ImageView image) {
     const int width = image.Width(), height = image.Height();
-    if (image.IsEmpty()) return true;
+    if (RefuseEmpty(image)) return false;
     const std::size_t stride = image.Stride();
     const std::size_t changeCount = static_cast<std::size_t>(width) + 2;
     // Rows as they stood, and their changes: four of each go round.

@@ -5,6 +5,7 @@
 
 #include "imaging/last_error.h"
 #include "imaging/pixel_runs.h"
+#include "imaging/tone_kernels.h"
 
 namespace lumo::imaging {
 namespace {
@@ -50,49 +51,6 @@ void EqualizeLevels(const std::array<std::uint64_t, 256>& histogram, int low, in
         lut[static_cast<std::size_t>(low) + i] = static_cast<std::uint8_t>(
             static_cast<std::uint64_t>(low) + (share * range + above / 2) / above);
     }
-}
-
-/// How a pixel of each luminance moves: to which luminance, and how far its channels then stand
-/// from the grey of it, in proportion to what they did.
-struct Moves {
-    std::array<float, 256> target;
-    std::array<float, 256> spread;
-};
-
-Moves MovesOf(const Lut& lut) {
-    // The spread follows the luminance, so that saturation stays. In deep shadows colour is mostly
-    // noise, and more than doubled it would show as blotches.
-    constexpr float kMostSpread = 2;
-    Moves moves{};
-    for (std::size_t y = 0; y < 256; ++y) {
-        moves.target[y] = lut[y];
-        const float ratio = y == 0 ? static_cast<float>(std::min<int>(lut[1], 1))
-                                   : static_cast<float>(lut[y]) / static_cast<float>(y);
-        moves.spread[y] = std::min(ratio, kMostSpread);
-    }
-    return moves;
-}
-
-void MovePixel(std::uint8_t* p, float luma, float target, float spread) {
-    const float r = p[0] - luma, g = p[1] - luma, b = p[2] - luma;
-    const float max = std::max({r, g, b});
-    const float kept = max * spread + target > 255.0F ? (255.0F - target) / max : spread;
-    const auto channel = [&](float distance) {
-        return static_cast<std::uint8_t>(distance * kept + target + 0.5F);
-    };
-    p[0] = channel(r);
-    p[1] = channel(g);
-    p[2] = channel(b);
-}
-
-void MoveLuminance(ImageView image, const Lut& lut) {
-    const Moves moves = MovesOf(lut);
-    ForPixelRuns(image, [&](std::uint8_t* p, std::size_t count) {
-        for (const std::uint8_t* const end = p + count * kChannels; p != end; p += kChannels) {
-            const std::size_t y = ComputeLuma(p[0], p[1], p[2]);
-            MovePixel(p, static_cast<float>(y), moves.target[y], moves.spread[y]);
-        }
-    });
 }
 
 }  // namespace
@@ -143,7 +101,9 @@ bool AutoBrightnessRGB(ImageView image, int low, int high, HistogramMode mode) {
     }
     const Lut lut =
         LuminanceLut(LumaHistogram(image), std::clamp(low, 0, 255), std::clamp(high, 0, 255), mode);
-    if (lut != IdentityLut()) MoveLuminance(image, lut);
+    if (lut == IdentityLut()) return true;
+    ForPixelRuns(image,
+                 [&](std::uint8_t* pixels, std::size_t count) { MoveLuma(pixels, count, lut); });
     return true;
 }
 

@@ -31,8 +31,9 @@ Lut LuminanceLut(const std::array<std::uint64_t, 256>& histogram, int low, int h
                  HistogramMode mode);
 
 /// Moves the luminance y of each pixel to y' by LuminanceLut of the picture and keeps its hue: each
-/// channel c becomes y' + (c - y) * k, rounded, with k = y' / y but at most 2, and less where a
-/// channel would pass 255. Limits beyond 0 to 255 act as those. Fails if low is above high.
+/// channel c becomes y' + (c - y) * k, rounded. k is y' / y but at most 2, 1 where y stays, and
+/// less where a channel would pass 255. Limits beyond 0 to 255 act as those. Fails if low is above
+/// high.
 bool AutoBrightnessRGB(ImageView image, int low, int high, HistogramMode mode);
 
 }  // namespace lumo::imaging

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "imaging/last_error.h"
 #include "support/test_images.h"
 
 namespace lumo::imaging {
@@ -141,6 +142,16 @@ TEST(SimpleFilters, ReportAWrongSizeAndMissingMemory) {
     const test::ScopedMemoryBudget budget(100);
     EXPECT_FALSE(DespeckleImage(source.View()));
     EXPECT_TRUE(test::SamePixels(source, before));
+}
+
+TEST(SimpleFilters, RefuseAnEmptyPicture) {
+    const auto refused = [](bool ok) { return !ok && LastError() == "the picture is empty"; };
+    ClearLastError();
+    EXPECT_TRUE(refused(BlurImage({}, {}, 100)));
+    ClearLastError();
+    EXPECT_TRUE(refused(SharpenImage({}, {}, 100)));
+    ClearLastError();
+    EXPECT_TRUE(refused(DespeckleImage({})));
 }
 
 }  // namespace

@@ -150,7 +150,7 @@ TEST(LuminanceLut, OneOccupiedLevelStays) {
 /// The stated rule for one pixel, in doubles.
 Rgb MovedPlainly(Rgb p, const Lut& lut) {
     const double y = ComputeLuma(p), to = lut[ComputeLuma(p)];
-    double k = std::min(y == 0 ? std::min<double>(lut[1], 1) : to / y, 2.0);
+    double k = to == y ? 1 : std::min(to / y, 2.0);
     const double max = std::max({p.red, p.green, p.blue});
     if (to + (max - y) * k > 255) k = (255 - to) / (max - y);
     const auto channel = [&](double c) {

@@ -1,12 +1,14 @@
 #include "ops/colour/adjust_hsl.h"
 
 #include <array>
+#include <new>
 #include <string>
 
 #include "imaging/colour.h"
 #include "imaging/pixel_runs.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/colour/hsl_kernels.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -51,21 +53,34 @@ Outcome RunAdjustHsl(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewAdjustHsl(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { Adjust(after, fields); });
+    return PreviewOn(before, [&](ImageView after) { Adjust(after, fields); });
+}
+
+/// Without tables: where there is no memory for them, and for turns that they do not cover.
+void AdjustPlainly(std::uint8_t* p, std::size_t count, int hueDelta, int saturationPercent,
+                   int lightnessPercent) {
+    for (const std::uint8_t* const end = p + count * 3; p != end; p += 3) {
+        const imaging::Hsl colour = imaging::RgbToHsl({p[0], p[1], p[2]});
+        const imaging::Rgb pixel = imaging::HslToRgb(
+            imaging::AdjustHsl(colour, hueDelta, saturationPercent, lightnessPercent));
+        p[0] = pixel.red;
+        p[1] = pixel.green;
+        p[2] = pixel.blue;
+    }
 }
 
 }  // namespace
 
 void AdjustHslOfImage(ImageView image, int hueDelta, int saturationPercent, int lightnessPercent) {
-    ForPixelRuns(image, [&](std::uint8_t* p, std::size_t count) {
-        for (const std::uint8_t* const end = p + count * 3; p != end; p += 3) {
-            const imaging::Hsl colour = imaging::RgbToHsl({p[0], p[1], p[2]});
-            const imaging::Rgb pixel = imaging::HslToRgb(
-                imaging::AdjustHsl(colour, hueDelta, saturationPercent, lightnessPercent));
-            p[0] = pixel.red;
-            p[1] = pixel.green;
-            p[2] = pixel.blue;
-        }
+    const auto memory = imaging::PixelBuffer::TryAllocate(sizeof(kernels::HslTables));
+    auto* const tables = memory ? new (memory.Data()) kernels::HslTables : nullptr;
+    const bool tabled =
+        tables && kernels::FillHslTables(hueDelta, saturationPercent, lightnessPercent, *tables);
+    ForPixelRuns(image, [&](std::uint8_t* pixels, std::size_t count) {
+        if (tabled)
+            kernels::AdjustHsl(pixels, count, *tables);
+        else
+            AdjustPlainly(pixels, count, hueDelta, saturationPercent, lightnessPercent);
     });
 }
 

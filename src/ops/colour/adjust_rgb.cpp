@@ -5,7 +5,8 @@
 
 #include "imaging/pixel_runs.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/colour/pixel_kernels.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -39,7 +40,7 @@ Outcome RunAdjustRgb(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewAdjustRgb(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { Add(after, fields); });
+    return PreviewOn(before, [&](ImageView after) { Add(after, fields); });
 }
 
 }  // namespace
@@ -47,10 +48,8 @@ Image PreviewAdjustRgb(ConstImageView before, Size, const Fields& fields) {
 void AddToChannels(ImageView image, int red, int green, int blue) {
     const std::array amounts{std::clamp(red, -255, 255), std::clamp(green, -255, 255),
                              std::clamp(blue, -255, 255)};
-    ForPixelRuns(image, [&](std::uint8_t* p, std::size_t count) {
-        for (const std::uint8_t* const end = p + count * 3; p != end; p += 3)
-            for (std::size_t c = 0; c < 3; ++c)
-                p[c] = static_cast<std::uint8_t>(std::clamp(p[c] + amounts[c], 0, 255));
+    ForPixelRuns(image, [&](std::uint8_t* pixels, std::size_t count) {
+        kernels::Add(pixels, count, amounts);
     });
 }
 

@@ -1,13 +1,13 @@
 #include "ops/colour/bw_dither.h"
 
-#include <algorithm>
 #include <array>
 #include <string>
-#include <utility>
 
 #include "imaging/tone.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/colour/dither_kernels.h"
+#include "ops/handler_steps.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -39,58 +39,42 @@ bool RaiseContrast(ImageView image, const Fields& fields) {
 
 Outcome RunBwDither(CLumoscriptView& view, const Fields& fields) {
     const ImageView image = view.working.main.View();
-    const bool ok = RaiseContrast(image, fields);
-    if (!ok) OnCommandFailure(view, "Cmd_16 Dither L20200: ", LibraryError::Append);
-    if (!DitherImage(image)) {
-        OnCommandFailure(view, "Cmd_16 Dither: memory failure", LibraryError::Append);
-        return Outcome::Failed;
-    }
+    // First of all, so that a failure finds the picture as it was.
+    const PixelBuffer errors = TryAllocateErrors(image.Width());
+    if (!errors) return FailWith(view, "Cmd_16 Dither: memory failure");
+    // Without its contrast the picture is dithered all the same.
+    const Outcome outcome =
+        ReportIfFailed(view, RaiseContrast(image, fields), "Cmd_16 Dither L20200: ");
+    DitherImage(image, errors);
     SetGreyDepth(view, 1);
-    return ToOutcome(ok);
+    return outcome;
 }
 
 Image PreviewBwDither(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) {
+    return PreviewOn(before, [&](ImageView after) {
         (void)RaiseContrast(after, fields);
         (void)DitherImage(after);
     });
 }
 
-/// Two rows of errors, with one place more at either end for the neighbours beyond the edges.
-struct ErrorRows {
-    double* current;
-    double* next;
-};
-
-void DitherRow(std::uint8_t* p, std::size_t width, ErrorRows rows) {
-    for (std::size_t i = 1; i <= width; ++i, p += 3) {
-        double v = 0.114 * p[2] + 0.587 * p[1] + 0.299 * p[0] + rows.current[i];
-        const bool white = v >= 255.0;
-        if (white) v -= 255.0;
-        rows.current[i + 1] += v * 7.0 / 16.0;
-        rows.next[i - 1] += v * 3.0 / 16.0;
-        rows.next[i] += v * 5.0 / 16.0;
-        rows.next[i + 1] += v / 16.0;
-        p[0] = p[1] = p[2] = white ? 255 : 0;
-    }
-}
-
 }  // namespace
 
+PixelBuffer TryAllocateErrors(int width) {
+    return PixelBuffer::TryAllocate(kernels::DitherScratch(static_cast<std::size_t>(width)) *
+                                    sizeof(double));
+}
+
+void DitherImage(ImageView image, const PixelBuffer& errors) {
+    if (image.IsEmpty()) return;
+    kernels::Dither(image.Row(0), static_cast<std::size_t>(image.Width()),
+                    static_cast<std::size_t>(image.Height()),
+                    reinterpret_cast<double*>(errors.Data()));
+}
+
 bool DitherImage(ImageView image) {
-    const auto width = static_cast<std::size_t>(image.Width());
-    const std::size_t count = width + 2;
-    const PixelBuffer memory = PixelBuffer::TryAllocate(2 * count * sizeof(double));
-    if (!memory) return false;
-    ErrorRows rows{reinterpret_cast<double*>(memory.Data()),
-                   reinterpret_cast<double*>(memory.Data()) + count};
-    std::fill_n(rows.next, count, 0.0);
-    for (int y = 0; y < image.Height(); ++y) {
-        std::swap(rows.current, rows.next);
-        std::fill_n(rows.next, count, 0.0);
-        DitherRow(image.Row(y), width, rows);
-    }
-    return true;
+    const PixelBuffer errors = TryAllocateErrors(image.Width());
+    if (errors) DitherImage(image, errors);
+    return static_cast<bool>(errors);
 }
 
 const Command kConvertBwDitherCommand{.spec = {.name = names::kConvertBwDither,

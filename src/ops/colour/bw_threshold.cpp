@@ -1,13 +1,15 @@
 #include "ops/colour/bw_threshold.h"
 
 #include <array>
+#include <cstring>
 #include <string>
 
-#include "imaging/colour.h"
 #include "imaging/pixel_runs.h"
 #include "imaging/wrapping.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/colour/pixel_kernels.h"
+#include "ops/handler_steps.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -54,17 +56,14 @@ Outcome RunBwThreshold(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewBwThreshold(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { Convert(after, fields); });
+    return PreviewOn(before, [&](ImageView after) { Convert(after, fields); });
 }
 
 }  // namespace
 
 int ThresholdMean(ConstImageView image) {
     if (image.IsEmpty()) return 0;
-    std::uint64_t sum = 0;
-    const auto bytes = image.Bytes();
-    for (const std::uint8_t *p = bytes.data(), *const end = p + bytes.size(); p != end; p += 3)
-        sum += static_cast<std::uint8_t>(0.299 * p[0] + 0.586 * p[1] + 0.114 * p[2] + 0.5);
+    const std::uint64_t sum = kernels::SumForMean(image.Bytes().data(), image.Extent().Area());
     // Whole numbers below 2^53: the doubles are exact.
     return static_cast<int>(static_cast<double>(sum) / static_cast<double>(image.Extent().Area()));
 }
@@ -75,11 +74,11 @@ int RelativeThreshold(int mean, int percent) {
 }
 
 void ThresholdImage(ImageView image, int threshold) {
-    ForPixelRuns(image, [&](std::uint8_t* p, std::size_t count) {
-        for (const std::uint8_t* const end = p + count * 3; p != end; p += 3) {
-            const bool black = imaging::ComputeLuma(p[0], p[1], p[2]) < threshold;
-            p[0] = p[1] = p[2] = black ? 0 : 255;
-        }
+    ForPixelRuns(image, [&](std::uint8_t* pixels, std::size_t count) {
+        if (threshold > 0 && threshold < 256)
+            kernels::Threshold(pixels, count, static_cast<std::uint8_t>(threshold));
+        else  // beyond all lumas
+            std::memset(pixels, threshold <= 0 ? 255 : 0, count * 3);
     });
 }
 

@@ -2,12 +2,11 @@
 
 #include "ops/colour/channels.h"
 
-#include <utility>
-
 #include "imaging/colour.h"
 #include "imaging/pixel_runs.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/colour/pixel_kernels.h"
+#include "ops/handler_steps.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -36,14 +35,6 @@ Outcome RunSwapRedBlue(CLumoscriptView& view, const Fields&) {
     return ReportIfFailed(view, ok, "Cmd_81 SwapRB L3021: ");  // 81, though this is command 80
 }
 
-template <int kFirst, int kSecond>
-void SwapChannels(ImageView image) {
-    ForPixelRuns(image, [](std::uint8_t* p, std::size_t count) {
-        for (const std::uint8_t* const end = p + count * 3; p != end; p += 3)
-            std::swap(p[kFirst], p[kSecond]);
-    });
-}
-
 }  // namespace
 
 void InvertImage(ImageView image) {
@@ -53,10 +44,11 @@ void InvertImage(ImageView image) {
 }
 
 void SwapRedGreen(ImageView image) {
-    SwapChannels<0, 1>(image);
+    imaging::ForPixelRuns(image, kernels::SwapRedGreen);
 }
+
 void SwapGreenBlue(ImageView image) {
-    SwapChannels<1, 2>(image);
+    imaging::ForPixelRuns(image, kernels::SwapGreenBlue);
 }
 
 // The three swaps and the negative leave the colour-depth tag as it is.

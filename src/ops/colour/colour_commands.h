@@ -4,6 +4,7 @@
 // one that counts its colours. None changes the size of the picture.
 
 #include "engine/command.h"
+#include "ops/handler_steps.h"
 
 namespace lumo::ops::colour {
 
@@ -29,5 +30,8 @@ extern const engine::Command kSolarizeCommand;
 extern const engine::Command kSwapGreenBlueCommand;
 extern const engine::Command kSwapRedBlueCommand;
 extern const engine::Command kSwapRedGreenCommand;
+
+inline constexpr NewImageFailures kMedianCutFailures{
+    .memory = "Cmd_57 L3169 Median cut: memory failure", .operation = "Cmd_57 Median cut L3154: "};
 
 }  // namespace lumo::ops::colour

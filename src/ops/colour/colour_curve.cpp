@@ -5,7 +5,9 @@
 
 #include "imaging/pixel_runs.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/colour/curve_kernels.h"
+#include "ops/handler_steps.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -77,13 +79,7 @@ Outcome RunColourCurve(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewColourCurve(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { (void)Adjust(after, fields); });
-}
-
-std::uint8_t ScaleChannel(int channel, double level, double y) {
-    const double scaled = channel * level / y;
-    if (!(scaled > 0)) return 0;  // also black, where it is no number
-    return scaled >= 255 ? std::uint8_t{255} : static_cast<std::uint8_t>(scaled);
+    return PreviewOn(before, [&](ImageView after) { (void)Adjust(after, fields); });
 }
 
 }  // namespace
@@ -100,12 +96,8 @@ Lut CurveLut(const CurvePoints& points) {
 }
 
 void ApplyCurveToBrightness(ImageView image, const Lut& curve) {
-    ForPixelRuns(image, [&](std::uint8_t* p, std::size_t count) {
-        for (const std::uint8_t* const end = p + count * 3; p != end; p += 3) {
-            const double y = 0.289 * p[0] + 0.587 * p[1] + 0.114 * p[2];
-            const double level = curve[static_cast<std::size_t>(y)];
-            for (int c = 0; c < 3; ++c) p[c] = ScaleChannel(p[c], level, y);
-        }
+    ForPixelRuns(image, [&](std::uint8_t* pixels, std::size_t count) {
+        kernels::CurveBrightness(pixels, count, curve);
     });
 }
 

@@ -6,6 +6,7 @@
 
 #include "imaging/measures.h"
 #include "ops/colour/colour_commands.h"
+#include "ops/handler_steps.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -51,6 +52,7 @@ void Store(CLumoscriptView& view, const std::string& field, int value) {
 Outcome RunCountColours(CLumoscriptView& view, const Fields& fields) {
     const ConstImageView image = view.working.main.View();
     const int colours = imaging::CountImageColors(image);
+    if (colours == 0) return FailWith(view, "Cmd_22 Count colors: memory failure");
     const DepthCode code = ColourDepthCode(image, colours);
     // Where both name one counter the code is what remains.
     Store(view, fields.Text(kCountCounter), colours);

@@ -4,7 +4,8 @@
 
 #include "imaging/tone.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/handler_steps.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -31,7 +32,7 @@ Outcome RunGammaAdjust(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewGammaAdjust(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(
+    return PreviewOn(
         before, [&](ImageView after) { (void)imaging::AdjustGamma(after, fields.Real(kGamma)); });
 }
 

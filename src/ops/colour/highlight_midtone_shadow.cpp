@@ -6,7 +6,8 @@
 #include "imaging/last_error.h"
 #include "imaging/wrapping.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/handler_steps.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -32,24 +33,31 @@ constexpr DialogSpec kDialog{.title = "Highlight - Midtone - Shadow",
                              .windowState = "WS04",
                              .helpTopic = "highlightmidtoneshadow"};
 
-bool Adjust(ImageView image, const Fields& fields) {
+std::optional<Lut> LutOf(const Fields& fields) {
     const auto lut =
         HmsLut({fields.Integer(kHighlight), fields.Integer(kMidtone), fields.Integer(kShadow)});
-    if (!lut) {
-        imaging::SetLastError("highlight, midtone or shadow is outside of the levels");
-        return false;
-    }
-    return imaging::ApplyLUTsToImage(image, {&*lut, &*lut, &*lut});
+    if (!lut) imaging::SetLastError("highlight, midtone or shadow is outside of the levels");
+    return lut;
+}
+
+bool Apply(ImageView image, const Lut& lut) {
+    return imaging::ApplyLUTsToImage(image, {&lut, &lut, &lut});
 }
 
 Outcome RunHms(CLumoscriptView& view, const Fields& fields) {
-    const bool ok = Adjust(view.working.main.View(), fields);
-    if (ok) SetFullColour(view);
-    return ReportIfFailed(view, ok, "Cmd_42 HMS L7458: ");
+    constexpr std::string_view kFailure = "Cmd_42 HMS L7458: ";
+    const auto lut = LutOf(fields);
+    if (!lut) return FailWith(view, kFailure);
+    const bool ok = Apply(view.working.main.View(), *lut);
+    SetFullColour(view);  // also after a failure
+    return ReportIfFailed(view, ok, kFailure);
 }
 
 Image PreviewHms(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { (void)Adjust(after, fields); });
+    const auto lut = LutOf(fields);
+    return PreviewOn(before, [&](ImageView after) {
+        if (lut) (void)Apply(after, *lut);
+    });
 }
 
 // Where the middle 64 levels may begin so that every index below stays inside of the table.

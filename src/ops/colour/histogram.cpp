@@ -4,7 +4,8 @@
 
 #include "imaging/tone.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/handler_steps.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -47,7 +48,7 @@ Outcome RunHistogramLuminance(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewHistogramLuminance(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { (void)Adjust(after, fields); });
+    return PreviewOn(before, [&](ImageView after) { (void)Adjust(after, fields); });
 }
 
 Outcome RunEqualize(CLumoscriptView& view, const Fields&) {

@@ -4,30 +4,20 @@
 
 #include "imaging/median.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/handler_steps.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
 namespace {
 
 using namespace engine;
-using imaging::Image;
 using script::Fields, script::Fixed;
 
 constexpr std::array kPanel{Fixed("Does a fast"), Fixed("9 pixel median"),
                             Fixed("filter of radius .6"), Fixed("No parameters")};
 
 Outcome RunMedianCut(CLumoscriptView& view, const Fields&) {
-    const imaging::ConstImageView source = view.working.main.View();
-    auto target = Image::TryCreate(source.Extent());
-    if (!target) {
-        OnCommandFailure(view, "Cmd_57 L3169 Median cut: memory failure", LibraryError::Append);
-        return Outcome::Failed;
-    }
-    const bool ok = imaging::MedianFilterImage(source, target->View());
-    if (!ok) OnCommandFailure(view, "Cmd_57 Median cut L3154: ", LibraryError::Append);
-    ReplaceMainImage(view, std::move(*target));
-    return ToOutcome(ok);
+    return RunOperationIntoNewImage(view, kMedianCutFailures, imaging::MedianFilterImage);
 }
 
 }  // namespace

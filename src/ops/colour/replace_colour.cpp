@@ -6,7 +6,10 @@
 #include "imaging/pixel_runs.h"
 #include "imaging/wrapping.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/colour/pixel_kernels.h"
+#include "ops/colour_fields.h"
+#include "ops/panel_lines.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -14,7 +17,7 @@ namespace {
 
 using namespace engine;
 using namespace script;
-using imaging::ConstImageView, imaging::Image, imaging::ImageView, imaging::Rgb, imaging::Size;
+using imaging::ConstImageView, imaging::Image, imaging::ImageView, imaging::Size;
 
 enum Field { kWanted = 0, kInserted = 3, kTolerance = 6 };  // colours are three fields each
 
@@ -32,18 +35,17 @@ constexpr DialogSpec kDialog{.title = "Replace one color   RGB (0 - 255)",
                              .helpTopic = "Replace1color"};
 
 std::string PanelText(const Fields& fields) {
-    const auto colour = [&](int first) {
-        return fields.Text(first) + ": " + fields.Text(first + 1) + ": " + fields.Text(first + 2);
-    };
-    return "Replace color: " + colour(kWanted) + "\nTolerance %: " + fields.Text(kTolerance) +
-           "\nInsert color: " + colour(kInserted) + "\n";
+    return PanelLines()
+        .Line("Replace color: ", JoinColour(fields, kWanted, ": "))
+        .Line("Tolerance %: ", fields.Text(kTolerance))
+        .Line("Insert color: ", JoinColour(fields, kInserted, ": "))
+        .Text();
 }
 
 ReplaceColourParams Read(const Fields& fields) {
-    const auto low8 = [&](int field) { return static_cast<std::uint8_t>(fields.Integer(field)); };
     return {.wanted = {fields.Integer(kWanted), fields.Integer(kWanted + 1),
                        fields.Integer(kWanted + 2)},
-            .inserted = {low8(kInserted), low8(kInserted + 1), low8(kInserted + 2)},
+            .inserted = ColourOf(fields, kInserted),
             .tolerance = ToleranceLevels(fields.Integer(kTolerance))};
 }
 
@@ -54,15 +56,10 @@ Outcome RunReplaceColour(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewReplaceColour(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { ReplaceColour(after, Read(fields)); });
+    return PreviewOn(before, [&](ImageView after) { ReplaceColour(after, Read(fields)); });
 }
 
-/// The bytes within the tolerance of a wanted value; none if low is above high.
-struct Range {
-    std::uint8_t low = 255, high = 0;
-};
-
-Range RangeAround(std::int64_t wanted, std::int64_t tolerance) {
+kernels::Range RangeAround(std::int64_t wanted, std::int64_t tolerance) {
     const std::int64_t low = std::max<std::int64_t>(wanted - tolerance, 0);
     const std::int64_t high = std::min<std::int64_t>(wanted + tolerance, 255);
     if (low > high) return {};
@@ -76,19 +73,11 @@ int ToleranceLevels(int percent) {
 }
 
 void ReplaceColour(ImageView image, const ReplaceColourParams& params) {
-    const Range red = RangeAround(params.wanted[0], params.tolerance);
-    const Range green = RangeAround(params.wanted[1], params.tolerance);
-    const Range blue = RangeAround(params.wanted[2], params.tolerance);
-    const Rgb inserted = params.inserted;
-    ForPixelRuns(image, [&](std::uint8_t* p, std::size_t count) {
-        for (const std::uint8_t* const end = p + count * 3; p != end; p += 3) {
-            if (p[0] < red.low || p[0] > red.high || p[1] < green.low || p[1] > green.high ||
-                p[2] < blue.low || p[2] > blue.high)
-                continue;
-            p[0] = inserted.red;
-            p[1] = inserted.green;
-            p[2] = inserted.blue;
-        }
+    std::array<kernels::Range, 3> ranges;
+    for (std::size_t c = 0; c < ranges.size(); ++c)
+        ranges[c] = RangeAround(params.wanted[c], params.tolerance);
+    ForPixelRuns(image, [&](std::uint8_t* pixels, std::size_t count) {
+        kernels::Replace(pixels, count, ranges, params.inserted);
     });
 }
 

@@ -2,10 +2,11 @@
 
 #include <array>
 
-#include "imaging/colour.h"
 #include "imaging/pixel_runs.h"
+#include "ops/colour/channels.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/colour/pixel_kernels.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -28,18 +29,16 @@ Outcome RunSolarize(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewSolarize(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) { Solarize(after, fields.Integer(kThreshold)); });
+    return PreviewOn(before, [&](ImageView after) { Solarize(after, fields.Integer(kThreshold)); });
 }
 
 }  // namespace
 
 void Solarize(ImageView image, int threshold) {
-    ForPixelRuns(image, [&](std::uint8_t* p, std::size_t count) {
-        for (const std::uint8_t* const end = p + count * 3; p != end; p += 3) {
-            const bool inverted = imaging::ComputeLuma(p[0], p[1], p[2]) > threshold;
-            const std::uint8_t mask = inverted ? 255 : 0;
-            for (int c = 0; c < 3; ++c) p[c] ^= mask;
-        }
+    if (threshold >= 255) return;  // no luma exceeds it
+    if (threshold < 0) return InvertImage(image);
+    ForPixelRuns(image, [&](std::uint8_t* pixels, std::size_t count) {
+        kernels::Solarize(pixels, count, static_cast<std::uint8_t>(threshold));
     });
 }
 

@@ -5,9 +5,11 @@
 #include "imaging/colour.h"
 #include "imaging/last_error.h"
 #include "imaging/pixel_runs.h"
-#include "ops/colour/adjust_rgb.h"
 #include "ops/colour/colour_commands.h"
-#include "ops/colour/support.h"
+#include "ops/colour/hsl_kernels.h"
+#include "ops/colour/pixel_kernels.h"
+#include "ops/handler_steps.h"
+#include "ops/preview_copy.h"
 #include "script/names.h"
 
 namespace lumo::ops::colour {
@@ -15,8 +17,8 @@ namespace {
 
 using namespace engine;
 using namespace script;
-using imaging::ConstImageView, imaging::Hsl, imaging::Image, imaging::ImageView, imaging::Lut,
-    imaging::LutSet, imaging::Rgb, imaging::Size;
+using imaging::ConstImageView, imaging::Image, imaging::ImageView, imaging::Lut, imaging::LutSet,
+    imaging::Rgb, imaging::Size;
 
 enum Field { kHue, kSaturation };  // order of the stored string
 
@@ -33,7 +35,7 @@ constexpr std::array kSepiaPanel{
     Fixed("Image is made grayscale"), Fixed("with same luminance, then"),
     Fixed("a one color sepia tone tint"), Fixed("is added."), Fixed("No parameters.")};
 
-constexpr int kSepiaRed = 24, kSepiaGreen = -10, kSepiaBlue = -10;
+constexpr std::array kSepia{24, -10, -10};  // red, green, blue
 
 ToneSource SourceOf(const CLumoscriptView& view) {
     return view.working.grey ? ToneSource::Grey : ToneSource::Colour;
@@ -47,7 +49,7 @@ Outcome RunOneColourTone(CLumoscriptView& view, const Fields& fields) {
 }
 
 Image PreviewOneColourTone(ConstImageView before, Size, const Fields& fields) {
-    return PreviewOf(before, [&](ImageView after) {
+    return PreviewOn(before, [&](ImageView after) {
         (void)ToneImage(after, ToneSource::Colour, fields.Integer(kHue),
                         fields.Integer(kSaturation));
     });
@@ -59,23 +61,16 @@ Outcome RunSepiaTone(CLumoscriptView& view, const Fields&) {
     return ReportIfFailed(view, ok, "Cmd_19 Sepia-Gray24 L3222: ");
 }
 
-/// Three tables filled from one function of a level.
+/// Tables for the three channels, by lightness or by level of grey.
 struct ThreeLuts {
     Lut red{}, green{}, blue{};
     LutSet Set() const { return {&red, &green, &blue}; }
-};
-
-template <typename ColourOf>
-ThreeLuts LutsOf(const ColourOf& colourOf) {
-    ThreeLuts luts;
-    for (std::size_t level = 0; level < 256; ++level) {
-        const Rgb colour = colourOf(static_cast<std::uint8_t>(level));
-        luts.red[level] = colour.red;
-        luts.green[level] = colour.green;
-        luts.blue[level] = colour.blue;
+    void Put(std::size_t index, Rgb colour) {
+        red[index] = colour.red;
+        green[index] = colour.green;
+        blue[index] = colour.blue;
     }
-    return luts;
-}
+};
 
 bool RefuseEmpty(ConstImageView image) {
     if (!image.IsEmpty()) return false;
@@ -86,41 +81,33 @@ bool RefuseEmpty(ConstImageView image) {
 }  // namespace
 
 bool ToneImage(ImageView image, ToneSource source, int hue, int saturation) {
-    const auto tone = [&](Rgb pixel) {
-        return imaging::HslToRgb({hue, saturation, imaging::RgbToHsl(pixel).lightness});
+    const auto tone = [&](int lightness) {
+        return imaging::HslToRgb({hue, saturation, lightness});
     };
-    const ThreeLuts ofGrey = LutsOf([&](std::uint8_t v) { return tone({v, v, v}); });
-    if (source == ToneSource::Colour) return imaging::ToneGrayScale(image, ofGrey.Set());
-    if (RefuseEmpty(image)) return false;
-    // A command that keeps the mark may have brought colour in since.
-    ForPixelRuns(image, [&](std::uint8_t* p, std::size_t count) {
-        for (const std::uint8_t* const end = p + count * 3; p != end; p += 3) {
-            const Rgb pixel{p[0], p[1], p[2]};
-            const bool grey = pixel.red == pixel.green && pixel.red == pixel.blue;
-            const Rgb toned =
-                grey ? Rgb{ofGrey.red[pixel.red], ofGrey.green[pixel.red], ofGrey.blue[pixel.red]}
-                     : tone(pixel);
-            p[0] = toned.red;
-            p[1] = toned.green;
-            p[2] = toned.blue;
+    ThreeLuts luts;
+    if (source == ToneSource::Colour) {
+        for (std::size_t v = 0; v < 256; ++v) {
+            const auto level = static_cast<std::uint8_t>(v);
+            luts.Put(v, tone(imaging::RgbToHsl({level, level, level}).lightness));
         }
+        return imaging::ToneGrayScale(image, luts.Set());
+    }
+    if (RefuseEmpty(image)) return false;
+    // A command that keeps the mark may have brought colour in since, so lightness is found anew.
+    for (int lightness = 0; lightness <= 100; ++lightness)
+        luts.Put(static_cast<std::size_t>(lightness), tone(lightness));
+    ForPixelRuns(image, [&](std::uint8_t* pixels, std::size_t count) {
+        kernels::ToneByLightness(pixels, count, luts.Set());
     });
     return true;
 }
 
 bool SepiaImage(ImageView image, ToneSource source) {
-    if (source == ToneSource::Grey) {
-        if (RefuseEmpty(image)) return false;
-        AddToChannels(image, kSepiaRed, kSepiaGreen, kSepiaBlue);
-        return true;
-    }
-    static const ThreeLuts kLuts = LutsOf([](std::uint8_t v) {
-        const auto shifted = [&](int by) {
-            return static_cast<std::uint8_t>(std::clamp(v + by, 0, 255));
-        };
-        return Rgb{shifted(kSepiaRed), shifted(kSepiaGreen), shifted(kSepiaBlue)};
-    });
-    return imaging::ToneGrayScale(image, kLuts.Set());
+    if (RefuseEmpty(image)) return false;
+    const auto tint = source == ToneSource::Grey ? kernels::Add : kernels::AddToGrey;
+    ForPixelRuns(image,
+                 [&](std::uint8_t* pixels, std::size_t count) { tint(pixels, count, kSepia); });
+    return true;
 }
 
 const Command kConvertOneColourToneCommand{.spec = {.name = names::kConvertOneColourTone,

@@ -29,6 +29,8 @@ inline constexpr std::string_view kLoadCustomFilterTypes =
 inline constexpr std::string_view kSaveCustomFilterTitle =
     "SaveAs (PhotoShop style custom filter file)";
 inline constexpr std::string_view kSaveCustomFilterTypes = "Custom filter file (*.acf)|*.acf||";
+/// The name to save under that is offered while none is known.
+inline constexpr std::string_view kSaveCustomFilterName = "*.acf";
 inline constexpr std::string_view kCustomFilterExtension = "acf";
 inline constexpr std::string_view kLoadCustomFilterFailure =
     "Unable to find or open named Custom filter file?";

@@ -8,6 +8,7 @@
 #include "ops/filters/disc.h"
 #include "ops/filters/filters_commands.h"
 #include "ops/filters/support.h"
+#include "ops/handler_steps.h"
 #include "script/names.h"
 
 namespace lumo::ops::filters {
@@ -28,23 +29,16 @@ constexpr DialogSpec kBlurMoreDialog{.title = "Blur_more", .helpTopic = "Blur_mo
 
 constexpr int kFullStrength = 100;
 
+bool BlurInto(ConstImageView source, ImageView target) {
+    return imaging::BlurImage(source, target, kFullStrength);
+}
+
 Outcome RunBlur(CLumoscriptView& view, const Fields&) {
-    const ConstImageView source = std::as_const(view.working.main).View();
-    auto target = Image::TryCreate(source.Extent());
-    if (!target) {
-        OnCommandFailure(view, "Cmd_08 Blur1: memory failure!", LibraryError::Append);
-        return Outcome::Failed;
-    }
-    const bool ok = imaging::BlurImage(source, target->View(), kFullStrength);
-    ReplaceMainImage(view, std::move(*target));  // taken over even if the blur failed
-    if (!ok) OnCommandFailure(view, "Cmd_08 Blur1 L18535: ", LibraryError::Append);
-    return ToOutcome(ok);
+    return RunOperationIntoNewImage(view, kBlurFailures, BlurInto);
 }
 
 Image PreviewBlur(ConstImageView before, Size, const Fields&) {
-    return PreviewInto(before, [](ConstImageView source, ImageView target) {
-        return imaging::BlurImage(source, target, kFullStrength);
-    });
+    return PreviewInto(before, BlurInto);
 }
 
 bool BlurMoreInto(ConstImageView source, ImageView target) {
@@ -70,12 +64,9 @@ constexpr DialogSpec kGaussianDialog{
 
 // A blur that cannot have its scratch memory leaves the picture as it is, and is no failure.
 Outcome RunBlurGaussian(CLumoscriptView& view, const Fields& fields) {
+    auto target = NewImage(view, "Cmd_10 Blur Gaussian: memory failure!");
+    if (!target) return Outcome::Failed;
     const ConstImageView source = std::as_const(view.working.main).View();
-    auto target = Image::TryCreate(source.Extent());
-    if (!target) {
-        OnCommandFailure(view, "Cmd_10 Blur Gaussian: memory failure!", LibraryError::Append);
-        return Outcome::Failed;
-    }
     if (imaging::BlurGaussian(source, target->View(), fields.Real(kGaussianRadius)))
         ReplaceMainImage(view, std::move(*target));
     return Outcome::Succeeded;

@@ -5,7 +5,7 @@
 #include "imaging/colour.h"
 #include "ops/filters/convolution.h"
 #include "ops/filters/filters_commands.h"
-#include "ops/filters/support.h"
+#include "ops/handler_steps.h"
 #include "script/names.h"
 
 namespace lumo::ops::filters {
@@ -30,8 +30,7 @@ Outcome RunConvolution(CLumoscriptView& view, const Convolution& convolution,
                        const MemoryTexts& texts) {
     const auto failed = Convolve(view.working.main.View(), convolution);
     if (!failed) return Outcome::Succeeded;
-    OnCommandFailure(view, texts[static_cast<std::size_t>(*failed - 1)], LibraryError::Append);
-    return Outcome::Failed;
+    return FailWith(view, texts[static_cast<std::size_t>(*failed - 1)]);
 }
 
 Image PreviewConvolution(Image after, const Convolution& convolution) {
@@ -75,12 +74,10 @@ Convolution EmbossOf(const Fields& fields) {
 }
 
 Outcome RunEmboss(CLumoscriptView& view, const Fields& fields) {
-    WorkingImage& working = view.working;
-    if (!working.grey && fields.Is(kApplyTo, "1")) {
-        imaging::ImageToGrayScale(working.main.View());
-        working.grey = true;
-        working.imageBits = 8;
-        working.imageBitsForced = 1;
+    if (!view.working.grey && fields.Is(kApplyTo, "1")) {
+        if (!imaging::ImageToGrayScale(view.working.main.View()))
+            return FailWith(view, "Cmd_34 Emboss L18692: gray conversion failure: ");
+        SetGreyDepth(view, 8);
     }
     return RunConvolution(view, EmbossOf(fields), kEmbossTexts);
 }
@@ -93,39 +90,22 @@ Image PreviewEmboss(ConstImageView before, Size, const Fields& fields) {
 
 enum CustomField { kFirstWeight = 0, kScale = 25, kOffset, kName };
 
-constexpr FieldSpec Weight(std::string_view factory) {
-    return Integer("", factory).MaxLength(4);
+constexpr std::array<std::string_view, kScale> kSharpeningWeights{"0", "0",  "0", "0",  "0",  //
+                                                                  "0", "-1", "0", "-1", "0",  //
+                                                                  "0", "0",  "6", "0",  "0",  //
+                                                                  "0", "-1", "0", "-1", "0",  //
+                                                                  "0", "0",  "0", "0",  "0"};
+
+constexpr std::array<FieldSpec, kName + 1> MakeCustomFields() {
+    std::array<FieldSpec, kName + 1> fields{};
+    for (std::size_t i = 0; i < kScale; ++i)
+        fields[i] = Integer("", kSharpeningWeights[i]).MaxLength(4);
+    fields[kScale] = Integer("Scale:", "2");
+    fields[kOffset] = Integer("Offset:", "0");
+    fields[kName] = Text("Name:", "Sharpen").Quoted(true);
+    return fields;
 }
-constexpr FieldSpec kZero = Weight("0");
-constexpr FieldSpec kMinusOne = Weight("-1");
-constexpr std::array kCustomFields{kZero,
-                                   kZero,
-                                   kZero,
-                                   kZero,
-                                   kZero,  //
-                                   kZero,
-                                   kMinusOne,
-                                   kZero,
-                                   kMinusOne,
-                                   kZero,  //
-                                   kZero,
-                                   kZero,
-                                   Weight("6"),
-                                   kZero,
-                                   kZero,  //
-                                   kZero,
-                                   kMinusOne,
-                                   kZero,
-                                   kMinusOne,
-                                   kZero,  //
-                                   kZero,
-                                   kZero,
-                                   kZero,
-                                   kZero,
-                                   kZero,  //
-                                   Integer("Scale:", "2"),
-                                   Integer("Offset:", "0"),
-                                   Text("Name:", "Sharpen").Quoted(true)};
+constexpr auto kCustomFields = MakeCustomFields();
 constexpr std::array kCustomPanel{Value(kName, "Custom filter: "), Value(kScale, "Scale: "),
                                   Value(kOffset, "Offset addjustment:")};
 constexpr auto kWeights = FieldsFrom<25>(kFirstWeight);

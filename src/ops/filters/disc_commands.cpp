@@ -8,6 +8,7 @@
 #include "ops/filters/filters_commands.h"
 #include "ops/filters/median.h"
 #include "ops/filters/support.h"
+#include "ops/handler_steps.h"
 #include "script/names.h"
 
 namespace lumo::ops::filters {
@@ -112,9 +113,8 @@ constexpr std::array kDespecklePanel{Fixed("No parameters"), Fixed("Does a block
                                      Fixed("on pixels with the"), Fixed("greatest color change.")};
 
 Outcome RunDespeckle(CLumoscriptView& view, const Fields&) {
-    const bool ok = imaging::DespeckleImage(view.working.main.View());
-    if (!ok) OnCommandFailure(view, "Cmd_26 Despeckle failure L3195: ", LibraryError::Append);
-    return ToOutcome(ok);
+    return ReportIfFailed(view, imaging::DespeckleImage(view.working.main.View()),
+                          "Cmd_26 Despeckle failure L3195: ");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 // The commands that work on a neighbourhood of pixels, for the command table.
 
 #include "engine/command.h"
+#include "ops/handler_steps.h"
 
 namespace lumo::ops::filters {
 
@@ -19,5 +20,10 @@ extern const engine::Command kMedianFilterCommand;
 extern const engine::Command kMinimumFilterCommand;
 extern const engine::Command kSharpenCommand;
 extern const engine::Command kUnsharpMaskCommand;
+
+inline constexpr NewImageFailures kBlurFailures{.memory = "Cmd_08 Blur1: memory failure!",
+                                                .operation = "Cmd_08 Blur1 L18535: "};
+inline constexpr NewImageFailures kSharpenFailures{.memory = "Sharp L15456: memory failure!",
+                                                   .operation = "Cmd_71 Sharp L15462: "};
 
 }  // namespace lumo::ops::filters

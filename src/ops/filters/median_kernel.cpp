@@ -54,14 +54,13 @@ struct Strip {
 };
 
 struct StepTables {
-    // Row k: zeros below k, ones from k on; the last row holds zeros only.
-    alignas(64) std::array<std::array<std::uint8_t, kBins>, kBins + 1> bytes{};
-    alignas(64) std::array<std::array<std::uint16_t, kBins>, kBins + 1> words{};
+    // Row k: zeros below k, ones from k on.
+    alignas(64) std::array<std::array<std::uint8_t, kBins>, kBins> bytes{};
 };
 constexpr StepTables kSteps = [] {
     StepTables tables;
     for (std::size_t k = 0; k < kBins; ++k)
-        for (std::size_t i = k; i < kBins; ++i) tables.bytes[k][i] = tables.words[k][i] = 1;
+        for (std::size_t i = k; i < kBins; ++i) tables.bytes[k][i] = 1;
     return tables;
 }();
 
@@ -109,9 +108,17 @@ HWY_INLINE void AddSample(ColumnCounts& column, std::size_t value) {
     AddBytes(column.upper.data(), kSteps.bytes[value / kBins].data());
     AddBytes(column.lower[value / kBins].data(), kSteps.bytes[value % kBins].data());
 }
-HWY_INLINE void RemoveSample(ColumnCounts& column, std::size_t value) {
-    SubtractBytes(column.upper.data(), kSteps.bytes[value / kBins].data());
-    SubtractBytes(column.lower[value / kBins].data(), kSteps.bytes[value % kBins].data());
+HWY_INLINE void ReplaceSample(ColumnCounts& column, std::size_t old, std::size_t value) {
+    const D8 d;
+    std::uint8_t* upper = column.upper.data();
+    const std::uint8_t* plus = kSteps.bytes[value / kBins].data();
+    const std::uint8_t* minus = kSteps.bytes[old / kBins].data();
+    for (std::size_t i = 0; i < kBins; i += hn::Lanes(d)) {
+        const auto change = hn::Sub(hn::LoadU(d, plus + i), hn::LoadU(d, minus + i));
+        hn::StoreU(hn::Add(hn::LoadU(d, upper + i), change), d, upper + i);
+    }
+    SubtractBytes(column.lower[old / kBins].data(), kSteps.bytes[old % kBins].data());
+    AddBytes(column.lower[value / kBins].data(), kSteps.bytes[value % kBins].data());
 }
 
 // Brings counts that were right for the square around column `at` to the one around `x`: `part`
@@ -138,28 +145,29 @@ HWY_INLINE void BringTo(int x, int& at, int half, std::uint16_t* counts, const P
     at = x;
 }
 
-// Counts without the steps that `stepOf` names for the missing cells; how many are at most `rank`,
-// and the last one of those.
-struct Found {
-    std::size_t bin;
-    unsigned below;
-};
-template <class StepOf>
-HWY_INLINE Found FindRank(const std::uint16_t* counts, unsigned rank, std::size_t missing,
-                          const StepOf& stepOf) {
+// The samples of the missing cells, one in all lanes of each vector.
+using DSigned = hn::RebindToSigned<D16>;
+using Missing = std::array<hn::Vec<DSigned>, kMostMissing>;
+
+// How many of the 16 cumulative counts are at most `rank`. Count i covers the samples below
+// `limit + i * step`; `below` is added to all counts, and the missing samples are taken off.
+HWY_INLINE std::size_t FindRank(const std::uint16_t* counts, int below, int limit, int step,
+                                int rank, std::size_t missing, const Missing& samples) {
     const D16 d;
-    const hn::RebindToSigned<D16> signedTag;
-    const auto above = hn::Set(signedTag, static_cast<std::int16_t>(rank + 1));
-    alignas(64) std::array<std::uint16_t, kBins> exact;
-    std::size_t bin = 0;
+    const DSigned ds;
+    const auto above = hn::Set(ds, static_cast<std::int16_t>(rank + 1));
+    const auto steps = hn::Mul(hn::Iota(ds, 0), hn::Set(ds, static_cast<std::int16_t>(step)));
+    std::size_t found = 0;
     for (std::size_t i = 0; i < kBins; i += hn::Lanes(d)) {
-        auto sum = hn::LoadU(d, counts + i);
-        for (std::size_t k = 0; k < missing; ++k)
-            sum = hn::Sub(sum, hn::LoadU(d, kSteps.words[stepOf(k)].data() + i));
-        bin += hn::CountTrue(signedTag, hn::Lt(hn::BitCast(signedTag, sum), above));
-        hn::StoreU(sum, d, exact.data() + i);
+        auto sum = hn::Add(hn::BitCast(ds, hn::LoadU(d, counts + i)),
+                           hn::Set(ds, static_cast<std::int16_t>(below)));
+        const auto limits = hn::Add(
+            steps, hn::Set(ds, static_cast<std::int16_t>(limit + static_cast<int>(i) * step)));
+        for (std::size_t k = 0; k < missing; ++k)  // a true lane is -1
+            sum = hn::Add(sum, hn::VecFromMask(ds, hn::Lt(samples[k], limits)));
+        found += hn::CountTrue(ds, hn::Lt(sum, above));
     }
-    return {bin, bin == 0 ? 0U : exact[bin - 1]};
+    return found;
 }
 
 // The median of the disc whose square is centred on column x of the strip.
@@ -167,21 +175,21 @@ HWY_INLINE std::uint8_t MedianAt(ChannelState& state, int x, const Disc& disc, s
                                  const std::uint8_t* const* missingRows) {
     SquareCounts& square = state.square;
     const ColumnCounts* columns = state.columns.data();
-    std::array<std::size_t, kMostMissing> values;
-    for (std::size_t k = 0; k < missing; ++k) values[k] = missingRows[k][x];
+    const int rank = disc.count / 2;
+    Missing samples;
+    for (std::size_t k = 0; k < missing; ++k)
+        samples[k] = hn::Set(DSigned(), static_cast<std::int16_t>(missingRows[k][x]));
 
     BringTo(x, square.upperAt, disc.half, square.upper.data(),
             [&](int column) { return columns[column].upper.data(); });
-    const unsigned rank = static_cast<unsigned>(disc.count) / 2;
-    const Found upper = FindRank(square.upper.data(), rank, missing,
-                                 [&](std::size_t k) { return values[k] / kBins; });
-    const std::size_t bin = upper.bin;
+    constexpr int kStep = static_cast<int>(kBins);
+    const std::size_t bin = FindRank(square.upper.data(), 0, kStep, kStep, rank, missing, samples);
+    const int below = bin == 0 ? 0 : square.upper[bin - 1];
     BringTo(x, square.lowerAt[bin], disc.half, square.lower[bin].data(),
             [&](int column) { return columns[column].lower[bin].data(); });
-    const Found lower = FindRank(
-        square.lower[bin].data(), rank - upper.below, missing,
-        [&](std::size_t k) { return values[k] / kBins == bin ? values[k] % kBins : kBins; });
-    return static_cast<std::uint8_t>(bin * kBins + lower.bin);
+    return static_cast<std::uint8_t>(bin * kBins + FindRank(square.lower[bin].data(), below,
+                                                            static_cast<int>(bin) * kStep + 1, 1,
+                                                            rank, missing, samples));
 }
 
 class StripWalk {
@@ -203,8 +211,11 @@ class StripWalk {
             std::memset(static_cast<void*>(state.columns.data()), 0, sizeof state.columns);
         for (int y = first - disc_.half; y < first + disc_.half; ++y) AddRow(y);
         for (int y = first; y < last; ++y) {
-            if (y > first) RemoveRow(y - disc_.half - 1);
-            AddRow(y + disc_.half);
+            if (y == first) {
+                AddRow(y + disc_.half);
+            } else {
+                ReplaceRow(y - disc_.half - 1, y + disc_.half);
+            }
             for (std::size_t c = 0; c < strip_.channels.size(); ++c) FilterRow(y, c);
         }
     }
@@ -219,32 +230,36 @@ class StripWalk {
     }
 
     // Column 0 of the strip's samples is column begin - half of the picture.
-    void ReadRow(int y, std::size_t channel) const {
+    const std::uint8_t* ReadRow(int y, std::size_t channel) const {
         std::uint8_t* row = Row(strip_.channels[channel], y);
         const int origin = begin_ - disc_.half;
         const bool inside = y >= 0 && y < source_.Height();
-        for (int i = 0; i < columns_; ++i) {
-            const int x = origin + i;
-            row[i] =
-                inside && x >= 0 && x < source_.Width() ? source_.At(x, y)[channel] : Checker(x, y);
+        const int from = inside ? std::max(0, -origin) : columns_;
+        const int to = inside ? std::min(columns_, source_.Width() - origin) : columns_;
+        for (int i = 0; i < from; ++i) row[i] = Checker(origin + i, y);
+        if (from < to) {
+            const std::uint8_t* in = source_.At(origin + from, y) + channel;
+            for (int i = from; i < to; ++i, in += imaging::kChannels) row[i] = *in;
         }
+        for (int i = to; i < columns_; ++i) row[i] = Checker(origin + i, y);
+        return row;
     }
 
     void AddRow(int y) const {
         for (std::size_t c = 0; c < strip_.channels.size(); ++c) {
-            ReadRow(y, c);
-            ChannelState& state = strip_.channels[c];
-            const std::uint8_t* row = Row(state, y);
+            const std::uint8_t* row = ReadRow(y, c);
             for (int i = 0; i < columns_; ++i)
-                AddSample(state.columns[static_cast<std::size_t>(i)], row[i]);
+                AddSample(strip_.channels[c].columns[static_cast<std::size_t>(i)], row[i]);
         }
     }
 
-    void RemoveRow(int y) const {
-        for (ChannelState& state : strip_.channels) {
-            const std::uint8_t* row = Row(state, y);
+    void ReplaceRow(int gone, int y) const {
+        for (std::size_t c = 0; c < strip_.channels.size(); ++c) {
+            ChannelState& state = strip_.channels[c];
+            const std::uint8_t* row = ReadRow(y, c);
+            const std::uint8_t* old = Row(state, gone);
             for (int i = 0; i < columns_; ++i)
-                RemoveSample(state.columns[static_cast<std::size_t>(i)], row[i]);
+                ReplaceSample(state.columns[static_cast<std::size_t>(i)], old[i], row[i]);
         }
     }
 

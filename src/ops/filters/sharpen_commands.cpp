@@ -8,6 +8,7 @@
 #include "ops/filters/filters_commands.h"
 #include "ops/filters/support.h"
 #include "ops/filters/unsharp.h"
+#include "ops/handler_steps.h"
 #include "script/names.h"
 
 namespace lumo::ops::filters {
@@ -28,16 +29,10 @@ constexpr DialogSpec kSharpenDialog{
     .title = "Sharpen", .windowState = "WS71", .helpTopic = "Sharpen"};
 
 Outcome RunSharpen(CLumoscriptView& view, const Fields& fields) {
-    const ConstImageView source = std::as_const(view.working.main).View();
-    auto target = Image::TryCreate(source.Extent());
-    if (!target) {
-        OnCommandFailure(view, "Sharp L15456: memory failure!", LibraryError::Append);
-        return Outcome::Failed;
-    }
-    const bool ok = imaging::SharpenImage(source, target->View(), fields.Integer(kSharpenAmount));
-    if (!ok) OnCommandFailure(view, "Cmd_71 Sharp L15462: ", LibraryError::Append);
-    ReplaceMainImage(view, std::move(*target));  // taken over even if the library failed
-    return ToOutcome(ok);
+    return RunOperationIntoNewImage(
+        view, kSharpenFailures, [&](ConstImageView source, ImageView target) {
+            return imaging::SharpenImage(source, target, fields.Integer(kSharpenAmount));
+        });
 }
 
 Image PreviewSharpen(ConstImageView before, Size, const Fields& fields) {
@@ -67,24 +62,20 @@ UnsharpParams ReadUnsharp(const Fields& fields) {
 }
 
 Outcome RunUnsharpMask(CLumoscriptView& view, const Fields& fields) {
-    const ConstImageView source = std::as_const(view.working.main).View();
-    const auto fail = [&](std::string_view text) {
-        OnCommandFailure(view, text, LibraryError::Append);
-        return Outcome::Failed;
-    };
-    auto target = Image::TryCreate(source.Extent());
-    if (!target) return fail("Cmd_88 Unsharp mask: memory failure");
+    constexpr std::string_view kNoCopy = "Unsharp mask: memory failure!";
+    auto target = NewImage(view, "Cmd_88 Unsharp mask: memory failure");
+    if (!target) return Outcome::Failed;
     // Stands for the blurred image where there is no memory to blur: nothing changes then.
-    auto copy = Image::TryCreate(source.Extent());
-    if (!copy) return fail("Unsharp mask: memory failure!");
+    auto copy = NewImage(view, kNoCopy);
+    if (!copy) return Outcome::Failed;
+    const ConstImageView source = std::as_const(view.working.main).View();
     Image blurred = std::move(*target), unblurred = std::move(*copy);
     if (!imaging::BlurGaussian(source, blurred.View(), fields.Real(kRadius))) {
         std::ranges::copy(source.Bytes(), unblurred.View().Bytes().begin());
         std::swap(blurred, unblurred);
     }
     unblurred.Reset();
-    if (!UnsharpMask(source, blurred.View(), ReadUnsharp(fields)))
-        return fail("Unsharp mask: memory failure!");
+    if (!UnsharpMask(source, blurred.View(), ReadUnsharp(fields))) return FailWith(view, kNoCopy);
     ReplaceMainImage(view, std::move(blurred));
     return Outcome::Succeeded;
 }

@@ -38,6 +38,35 @@ void SharpenColours(const std::uint8_t* __restrict image, std::size_t samples, d
     for (std::size_t i = 0; i < samples; ++i) result[i] = Sharpened(image[i], result[i], factor);
 }
 
+// The same in integers: value * 100 is an integer but for the rounding of the factor.
+inline int SharpenedInHundredths(int o, int b, int amount) {
+    const int hundredths = (amount + 100) * o - amount * b + 50;
+    return std::clamp(hundredths, 0, 25599) / 100;
+}
+
+LUMO_SIMD_CLONES
+void SharpenColoursInIntegers(const std::uint8_t* __restrict image, std::size_t samples, int amount,
+                              std::uint8_t* __restrict result) {
+    for (std::size_t i = 0; i < samples; ++i)
+        result[i] = static_cast<std::uint8_t>(SharpenedInHundredths(image[i], result[i], amount));
+}
+
+// True if integers give the byte that doubles give for every pair of samples. With many amounts
+// they do not: where the exact value is a whole number the doubles may end just below it.
+bool IntegersAgree(int amount, double factor) {
+    if (std::abs(static_cast<long long>(amount)) > 10000) return false;
+    std::uint8_t row[256], doubles[256], integers[256];
+    for (int o = 0; o < 256; ++o) row[o] = static_cast<std::uint8_t>(o);
+    for (int b = 0; b < 256; ++b) {
+        std::memset(doubles, b, sizeof doubles);
+        std::memset(integers, b, sizeof integers);
+        SharpenColours(row, sizeof row, factor, doubles);
+        SharpenColoursInIntegers(row, sizeof row, amount, integers);
+        if (std::memcmp(doubles, integers, sizeof doubles) != 0) return false;
+    }
+    return true;
+}
+
 LUMO_SIMD_CLONES
 void SharpenLuminance(const std::uint8_t* __restrict image, std::size_t samples, double factor,
                       std::uint8_t* __restrict result) {
@@ -120,21 +149,38 @@ class EdgeRows {
     std::uint8_t* edges_;
 };
 
-void SharpenRow(const std::uint8_t* image, std::size_t samples, const UnsharpParams& params,
-                std::uint8_t* result) {
-    const double factor = (static_cast<double>(params.amount) + 100.0) / 100.0;
-    (params.luminanceOnly ? SharpenLuminance : SharpenColours)(image, samples, factor, result);
-}
+class RowSharpener {
+  public:
+    explicit RowSharpener(const UnsharpParams& params)
+        : params_(params),
+          factor_((static_cast<double>(params.amount) + 100.0) / 100.0),
+          integers_(!params.luminanceOnly && IntegersAgree(params.amount, factor_)) {}
+
+    void Run(const std::uint8_t* image, std::size_t samples, std::uint8_t* result) const {
+        if (integers_)
+            SharpenColoursInIntegers(image, samples, params_.amount, result);
+        else if (params_.luminanceOnly)
+            SharpenLuminance(image, samples, factor_, result);
+        else
+            SharpenColours(image, samples, factor_, result);
+    }
+
+  private:
+    UnsharpParams params_;
+    double factor_;
+    bool integers_;
+};
 
 }  // namespace
 
 bool UnsharpMask(ConstImageView image, ImageView blurredAndResult, const UnsharpParams& params) {
     const std::size_t stride = image.Stride();
+    const RowSharpener sharpener(params);
     std::atomic<bool> ok{true};
     imaging::ForRows(image.Height(), 8 * stride, [&](int first, int last) {
         if (params.threshold == 0) {
             for (int y = first; y < last; ++y)
-                SharpenRow(image.Row(y), stride, params, blurredAndResult.Row(y));
+                sharpener.Run(image.Row(y), stride, blurredAndResult.Row(y));
             return;
         }
         const PixelBuffer scratch = PixelBuffer::TryAllocate(EdgeRows::ScratchSize(image));
@@ -149,7 +195,7 @@ bool UnsharpMask(ConstImageView image, ImageView blurredAndResult, const Unsharp
             rows.Read(y + 1);
             const std::uint8_t* edges = rows.Mark(y);
             std::uint8_t* result = blurredAndResult.Row(y);
-            SharpenRow(image.Row(y), stride, params, result);
+            sharpener.Run(image.Row(y), stride, result);
             for (int x = 0; x < image.Width(); ++x)
                 if (edges[x] == 0)
                     std::memcpy(result + static_cast<std::size_t>(x) * kStep, image.At(x, y),

@@ -5,6 +5,7 @@
 #include <climits>
 
 #include "imaging/colour.h"
+#include "imaging/parallel.h"
 #include "ops/colour/adjust_hsl.h"
 #include "ops/colour/adjust_rgb.h"
 #include "ops/colour/colour_commands.h"
@@ -106,6 +107,31 @@ TEST(AdjustHsl, AbsurdAmountsAgreeWithTheSinglePixelRoutines) {
                                   return imaging::HslToRgb(imaging::AdjustHsl(
                                       imaging::RgbToHsl(p), absurd, absurd, absurd));
                               });
+}
+
+TEST(AdjustHsl, GivesTheSameWithoutMemoryForItsTables) {
+    const Image before = test::PhotoLikeImage({67, 41});
+    Image with = test::Copy(before.View()), without = test::Copy(before.View());
+    AdjustHslOfImage(with.View(), -77, 40, -12);
+    {
+        const test::ScopedMemoryBudget budget(100);
+        AdjustHslOfImage(without.View(), -77, 40, -12);
+    }
+    EXPECT_TRUE(test::SamePixels(with, without));
+}
+
+TEST(ColourKernels, SeveralThreadsGiveTheSameBytes) {
+    const Image before = test::PhotoLikeImage({1500, 1200});
+    const auto after = [&](int threads) {
+        imaging::SetKernelThreads(threads);
+        Image image = test::Copy(before.View());
+        AdjustHslOfImage(image.View(), 50, 20, 5);
+        AddToChannels(image.View(), 10, -20, 30);
+        ReplaceColour(image.View(), {{128, 128, 128}, {1, 2, 3}, 30});
+        imaging::SetKernelThreads(1);
+        return image;
+    };
+    EXPECT_TRUE(test::SamePixels(after(4), after(1)));
 }
 
 TEST(ReplaceColour, ToleranceIsAShareOf255) {

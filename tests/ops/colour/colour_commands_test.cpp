@@ -210,6 +210,66 @@ TEST(ColourDialogs, TitlesAndWindowStates) {
     check(kSolarizeCommand, "Solarize (threshold 0 - 255)", "WS75");
 }
 
+std::vector<std::string> Labels(const Command& command) {
+    std::vector<std::string> labels;
+    for (const script::FieldSpec& field : command.spec.fields) labels.emplace_back(field.label);
+    return labels;
+}
+
+TEST(ColourDialogs, Labels) {
+    EXPECT_THAT(Labels(kAdjustColourRgbCommand), ElementsAre("Adjust R", "Adjust G", "Adjust B"));
+    EXPECT_THAT(Labels(kAdjustColourHslCommand), ElementsAre("Hue", "Saturation", "Luminance"));
+    EXPECT_THAT(Labels(kReplaceColourCommand),
+                ElementsAre("Color to remove", "", "", "Color to insert", "", "", "Tolerance %"));
+    EXPECT_THAT(Labels(kConvertOneColourToneCommand), ElementsAre("Hue", "Saturation"));
+    EXPECT_THAT(Labels(kAdjustContrastBrightnessCommand), ElementsAre("Contrast", "Brightness"));
+    EXPECT_THAT(Labels(kGammaAdjustCommand), ElementsAre("Gamma:"));
+    EXPECT_THAT(Labels(kSolarizeCommand), ElementsAre("Threshold"));
+    EXPECT_THAT(Labels(kHighlightMidtoneShadowCommand),
+                ElementsAre("Highlight", "Midtone", "Shadow"));
+    EXPECT_EQ(Labels(kColourCurveAdjustCommand)[0], "Adjust for");
+    EXPECT_THAT(Labels(kAdjustHistogramLuminanceCommand),
+                ElementsAre("Low threshold", "High threshold", "Mode"));
+    EXPECT_THAT(Labels(kConvertBwThresholdCommand), ElementsAre("Threshold", "Adjust %", "Mode"));
+    EXPECT_THAT(Labels(kConvertBwDitherCommand), ElementsAre("Less  -- contrast --  More"));
+    EXPECT_THAT(Labels(kCountColoursCommand),
+                ElementsAre("Save image type in", "Save number of colors in"));
+}
+
+TEST(ColourDialogs, NamesOfTheChoices) {
+    EXPECT_THAT(
+        kConvertBwThresholdCommand.spec.fields[2].names,
+        ElementsAre("Set threshold absolute (0-255)", "Set threshold as % adjustment to mean"));
+    for (std::size_t i = 0; i < 2; ++i)
+        EXPECT_THAT(
+            kCountColoursCommand.spec.fields[i].names,
+            ElementsAre("Counter A", "Counter B", "Counter C", "Counter D", "Counter E",
+                        "Counter F", "Counter G", "Counter H", "Counter I", "Counter J", "None"));
+    EXPECT_THAT(kColourCurveAdjustCommand.spec.fields[0].values,
+                ElementsAre("1", "2", "3", "4", "5"));
+}
+
+TEST(ColourDialogs, Notes) {
+    const std::map<const Command*, std::vector<std::string>> notes{
+        {&kGammaAdjustCommand,
+         {"< 1.0 will decrease brightness    =1.0 no change                        >1.0 will "
+          "increase brightness"}},
+        {&kConvertBwThresholdCommand, {"Pixels below threshold go to black, above go to white"}},
+        {&kConvertBwDitherCommand,
+         {"1 bit black and white using dithered error diffusion ", "More  -- shadow --  Less"}},
+        {&kCountColoursCommand,
+         {"Black and white (1 bit) = 0", "Greyscale (255 shades of gray) = 1",
+          "Color (1-256 total) = 2", "Color (more than 256 total) = 3"}},
+    };
+    for (const Command* command : kAll) {
+        if (command->spec.dialog == nullptr) continue;
+        const auto found = notes.find(command);
+        const auto expected = found == notes.end() ? std::vector<std::string>() : found->second;
+        EXPECT_THAT(command->spec.dialog->notes, testing::ElementsAreArray(expected))
+            << command->spec.name;
+    }
+}
+
 TEST(ColourDialogs, Ranges) {
     const auto range = [](const Command& command, std::size_t field) {
         const script::FieldSpec& spec = command.spec.fields[field];
@@ -304,6 +364,7 @@ TEST(ColourFailures, AreReportedInTheWordsOfTheCommand) {
         {&kAdjustHistogramLuminanceCommand, "Cmd_05 Histogram(adjust) L19680: "},
         {&kColourCurveAdjustCommand, "Cmd_14 Curve L9090: "},
         {&kConvertGreyscaleCommand, "Cmd_15 Gray24 L3177: "},
+        {&kConvertBwDitherCommand, "Cmd_16 Dither L20200: "},
         {&kConvertOneColourToneCommand, "Cmd_18 TintGray L6431: "},
         {&kConvertSepiaToneCommand, "Cmd_19 Sepia-Gray24 L3222: "},
         {&kGammaAdjustCommand, "Cmd_40 Gamma L9436: "},
@@ -319,6 +380,35 @@ TEST(ColourFailures, AreReportedInTheWordsOfTheCommand) {
         EXPECT_EQ(command->run(runner.view, script::ParseParams(params)), engine::Outcome::Failed);
         EXPECT_THAT(runner.messages, ElementsAre(words + "  IS_error the picture is empty"));
     }
+}
+
+// What a failure leaves of the depth tag is part of the old behaviour too.
+TEST(ColourFailures, TagThePictureWhereTheCommandGoesOn) {
+    const auto tagAfterFailure = [](const Command& command) {
+        test::CommandRunner runner({});
+        runner.view.working.grey = &command == &kHighlightMidtoneShadowCommand;
+        runner.view.working.imageBits = 4;
+        EXPECT_EQ(command.run(runner.view, script::ParseParams(FactoryOf(command))),
+                  engine::Outcome::Failed);
+        return std::pair(runner.view.working.imageBits, runner.view.working.grey);
+    };
+    EXPECT_EQ(tagAfterFailure(kConvertGreyscaleCommand), std::pair(8, true));
+    EXPECT_EQ(tagAfterFailure(kConvertBwDitherCommand), std::pair(1, true));
+    EXPECT_EQ(tagAfterFailure(kHighlightMidtoneShadowCommand), std::pair(24, false));
+    EXPECT_EQ(tagAfterFailure(kConvertOneColourToneCommand), std::pair(4, false));
+    EXPECT_EQ(tagAfterFailure(kConvertSepiaToneCommand), std::pair(4, false));
+}
+
+TEST(ColourFailures, AFailedMedianCutStillReplacesThePicture) {
+    test::CommandRunner runner(test::RandomImage({7, 5}, 1));
+    const auto fail = [](imaging::ConstImageView, imaging::ImageView) {
+        imaging::SetLastError("out of order");
+        return false;
+    };
+    EXPECT_EQ(RunOperationIntoNewImage(runner.view, kMedianCutFailures, fail),
+              engine::Outcome::Failed);
+    EXPECT_THAT(runner.messages, ElementsAre("Cmd_57 Median cut L3154:   IS_error out of order"));
+    EXPECT_TRUE(test::SamePixels(runner.Main(), test::FlatImage({7, 5}, {0, 0, 0})));
 }
 
 TEST(ColourFailures, SomeSayNothing) {

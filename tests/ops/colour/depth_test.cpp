@@ -164,12 +164,25 @@ TEST(Dither, MemoryFailureIsReportedAndLeavesThePictureAlone) {
     test::CommandRunner runner(test::PhotoLikeImage({300, 5}));
     {
         const test::ScopedMemoryBudget budget(100);
-        EXPECT_FALSE(runner.Run(kConvertBwDitherCommand, "1,0,"));
+        EXPECT_FALSE(runner.Run(kConvertBwDitherCommand, "1,60,"));  // its contrast stays, too
     }
     EXPECT_THAT(runner.messages,
                 ElementsAre(StartsWith("Cmd_16 Dither: memory failure  IS_error ")));
     EXPECT_TRUE(test::SamePixels(runner.Main(), test::PhotoLikeImage({300, 5})));
     EXPECT_FALSE(runner.view.working.grey);
+}
+
+TEST(CountColours, MemoryFailureIsReportedAndStoresNothing) {
+    test::CommandRunner runner(test::PhotoLikeImage({300, 5}));
+    runner.view.counters.fill(-7);
+    {
+        const test::ScopedMemoryBudget budget(100);
+        EXPECT_FALSE(runner.Run(kCountColoursCommand, "2,0,1,"));
+    }
+    EXPECT_THAT(runner.messages,
+                ElementsAre(StartsWith("Cmd_22 Count colors: memory failure  IS_error ")));
+    EXPECT_EQ(runner.view.counters[0], -7);
+    EXPECT_EQ(runner.view.counters[1], -7);
 }
 
 /// Counters A and B after the command.

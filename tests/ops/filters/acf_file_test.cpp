@@ -73,6 +73,15 @@ TEST(CustomFilterFile, IsRefusedUnlessItHas54Bytes) {
                   "Unable to find or open named Custom filter file?");
 }
 
+TEST(CustomFilterFile, WordsOfItsDialogs) {
+    EXPECT_EQ(kLoadCustomFilterTitle, "Load (PhotoShop style custom filter file)");
+    EXPECT_EQ(kLoadCustomFilterTypes, "Custom filter (*.acf)|*.acf|All files (*.*)|*.*||");
+    EXPECT_EQ(kSaveCustomFilterTitle, "SaveAs (PhotoShop style custom filter file)");
+    EXPECT_EQ(kSaveCustomFilterTypes, "Custom filter file (*.acf)|*.acf||");
+    EXPECT_EQ(kSaveCustomFilterName, "*.acf");
+    EXPECT_EQ(kCustomFilterExtension, "acf");
+}
+
 TEST(CustomFilterFile, IsSavedAndLoaded) {
     const test::TempFolder folder;
     const std::string path = folder / "mine.acf";

@@ -4,6 +4,7 @@
 #include "engine/command_table.h"
 #include "imaging/blur_gaussian.h"
 #include "imaging/colour.h"
+#include "imaging/last_error.h"
 #include "imaging/simple_filters.h"
 #include "ops/filters/box_blurs.h"
 #include "ops/filters/filters_commands.h"
@@ -147,6 +148,83 @@ TEST(FilterCommands, StandInTheTableWithTheSchemaOfTheCatalogue) {
     }
 }
 
+TEST(FilterDialogs, LabelsAndRanges) {
+    struct Edit {
+        const Command& command;
+        std::size_t field;
+        std::string_view label;
+        double low, high;  // equal: no range
+    };
+    const Edit edits[] = {
+        {kBlurGaussianCommand, 0, "Blur radius", 0.1, 10.0},
+        {kBlurOutwardCommand, 0, "Radius % to begin blur", 0, 100},
+        {kBlurOutwardCommand, 1, "Blur radius", 0.1, 10.0},
+        {kMaximumFilterCommand, 0, "Search radius", 0.1, 10.0},
+        {kMinimumFilterCommand, 0, "Search radius", 0.1, 10.0},
+        {kMedianFilterCommand, 0, "filter radius", 0.1, 10.0},
+        {kDustRemoveCommand, 0, "Luminance variation threshold", 1, 255},
+        {kDustRemoveCommand, 1, "Radius", 0.1, 10.0},
+        {kSharpenCommand, 0, "Sharpen", 0, 100},
+        {kUnsharpMaskCommand, 0, "Pixel radius", 0.1, 20.0},
+        {kUnsharpMaskCommand, 1, "Amount 1-500%", 1, 500},
+        {kUnsharpMaskCommand, 2, "Threshold 0-255", 0, 255},
+        {kUnsharpMaskCommand, 3, "Luminosity only", 0, 0},
+        {kEmbossCommand, 0, "Brighten (0-100)", 0, 100},
+        {kCustomFilterCommand, 25, "Scale:", 0, 0},
+        {kCustomFilterCommand, 26, "Offset:", 0, 0},
+    };
+    for (const Edit& edit : edits) {
+        const script::FieldSpec& field = edit.command.spec.fields[edit.field];
+        EXPECT_EQ(field.label, edit.label) << edit.command.spec.name;
+        EXPECT_EQ(field.low, edit.low) << edit.command.spec.name << " " << edit.label;
+        EXPECT_EQ(field.high, edit.high) << edit.command.spec.name << " " << edit.label;
+    }
+    EXPECT_THAT(kEmbossCommand.spec.fields[1].names,
+                ElementsAre("Convert color values", "Convert to grayscale"));
+    for (std::size_t i = 0; i < 25; ++i)
+        EXPECT_EQ(kCustomFilterCommand.spec.fields[i].maxLength, 4);
+}
+
+TEST(FilterPanels, NameTheOtherChoice) {
+    const auto panel = [](const Command& command, std::string_view params) {
+        return script::PanelText(command.spec, script::ParseParams(params));
+    };
+    EXPECT_EQ(panel(kUnsharpMaskCommand, "4,1.5,200,3,0,"),
+              "Pixel radius:1.5\nAmount:200\nThreashold:3\nColors modified\n");
+    EXPECT_EQ(panel(kEmbossCommand, "2,10,1,"), "Brightness (0-100): 10\nConvert to grayscale\n");
+}
+
+// The common opening keeps an empty picture from the handlers; called without it they report what
+// the imaging folder says.
+TEST(FilterFailures, OfOperationsAreReportedInTheWordsOfTheCommand) {
+    const auto messageOf = [](const Command& command, std::string_view params) {
+        test::CommandRunner runner{Image()};
+        EXPECT_EQ(command.run(runner.view, script::ParseParams(params)), engine::Outcome::Failed);
+        EXPECT_FALSE(runner.view.working.grey);
+        EXPECT_EQ(runner.messages.size(), 1U);
+        return runner.messages.empty() ? "" : runner.messages[0];
+    };
+    EXPECT_EQ(messageOf(kDespeckleCommand, "0"),
+              "Cmd_26 Despeckle failure L3195:   IS_error the picture is empty");
+    EXPECT_EQ(messageOf(kEmbossCommand, "2,50,1,"),
+              "Cmd_34 Emboss L18692: gray conversion failure:   IS_error the picture is empty");
+}
+
+TEST(FilterFailures, AFailedBlurOrSharpeningStillReplacesThePicture) {
+    const auto fail = [](imaging::ConstImageView, imaging::ImageView) {
+        imaging::SetLastError("out of order");
+        return false;
+    };
+    for (const auto& [failures, words] :
+         {std::pair(kBlurFailures, "Cmd_08 Blur1 L18535:   IS_error out of order"),
+          std::pair(kSharpenFailures, "Cmd_71 Sharp L15462:   IS_error out of order")}) {
+        test::CommandRunner runner(test::RandomImage({7, 5}, 1));
+        EXPECT_EQ(RunOperationIntoNewImage(runner.view, failures, fail), engine::Outcome::Failed);
+        EXPECT_THAT(runner.messages, ElementsAre(words));
+        EXPECT_TRUE(test::SamePixels(runner.Main(), test::FlatImage({7, 5}, {0, 0, 0})));
+    }
+}
+
 TEST(FilterCommands, KeepSizeAndColourDepth) {
     for (const Row& row : Rows()) {
         test::CommandRunner runner(test::RandomImage({37, 23}, 1));
@@ -277,23 +355,25 @@ TEST(CustomFilter, GivesTheOffsetWithoutWeights) {
                                  test::FlatImage({9, 9}, {255, 255, 255})));
 }
 
-TEST(BlurGaussianCommand, LeavesTheImageWithoutScratchMemoryAndSucceeds) {
+// As the memory grows the command fails, then succeeds without a change, then works.
+void ExpectNoChangeWithoutMemoryToBlur(const Command& command, std::string_view params) {
     const Image before = test::RandomImage({2000, 8}, 2);
     test::CommandRunner runner(test::Copy(before.View()));
-    imaging::TrimPixelPool();
-    bool unchanged = false, blurred = false;
-    for (std::size_t extra = 0; extra < 3'000'000 && !blurred; extra += 2000) {
+    bool unchanged = false, changed = false;
+    for (std::size_t extra = 0; extra < 3'000'000 && !changed; extra += 2000) {
         imaging::TrimPixelPool();
         const test::ScopedMemoryBudget budget(imaging::MemoryInUse() + extra);
-        if (!runner.Run(kBlurGaussianCommand, "1,5.0,")) continue;
-        if (test::SamePixels(runner.Main(), before)) {
-            unchanged = true;
-        } else {
-            blurred = true;
-        }
+        if (!runner.Run(command, params)) continue;
+        (test::SamePixels(runner.Main(), before) ? unchanged : changed) = true;
     }
-    EXPECT_TRUE(unchanged);
-    EXPECT_TRUE(blurred);
+    EXPECT_TRUE(unchanged) << command.spec.name;
+    EXPECT_TRUE(changed) << command.spec.name;
+}
+
+TEST(FilterCommands, SucceedWithoutAChangeIfThereIsNoMemoryToBlur) {
+    ExpectNoChangeWithoutMemoryToBlur(kBlurGaussianCommand, "1,5.0,");
+    ExpectNoChangeWithoutMemoryToBlur(kUnsharpMaskCommand, "4,20.0,100,0,0,");
+    ExpectNoChangeWithoutMemoryToBlur(kUnsharpMaskCommand, "4,20.0,100,0,1,");
 }
 
 TEST(FilterCommands, PreviewAtFullSizeIsWhatTheRunGives) {
