@@ -27,30 +27,68 @@ std::size_t MaskKeyVectors(const std::uint8_t*, std::size_t, const ColourKey&, s
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Squares are added in 16 bits that saturate, so the farthest must be less than 65535. Gives the
-// number of pixels that are done; a rest of less than a vector stays.
-std::size_t MaskKeyVectors(const std::uint8_t* pixels, std::size_t count, const ColourKey& key,
-                           std::uint8_t* mask) {
+// Sums of squares in 16 bits that saturate; the farthest must be less than 65535.
+template <class D16>
+struct NarrowSums {
+    explicit NarrowSums(const ColourKey& key)
+        : beyond(hn::Set(D16(), static_cast<std::uint16_t>(key.farthest + 1))) {}
+
+    // 1 where near, else 0: what the sum leaves of one more than the farthest is at least 1.
+    template <class V>
+    V Near(V red, V green, V blue) const {
+        const V sum = hn::SaturatedAdd(hn::SaturatedAdd(red, green), blue);
+        return hn::Min(hn::SaturatedSub(beyond, sum), hn::Set(D16(), std::uint16_t{1}));
+    }
+    hn::Vec<D16> beyond;
+};
+
+// The same in 32 bits, for any farthest.
+template <class D16>
+struct WideSums {
+    using D32 = hn::RepartitionToWide<D16>;
+    explicit WideSums(const ColourKey& key)
+        : beyond(hn::Set(hn::RebindToSigned<D32>(), key.farthest + 1)) {}
+
+    template <class V>
+    V Near(V red, V green, V blue) const {
+        const hn::Half<D16> half;
+        const hn::RebindToSigned<D32> d32;
+        const auto wide = [&](auto a, auto b, auto c) {
+            const auto sum = hn::Add(hn::Add(hn::PromoteTo(d32, a), hn::PromoteTo(d32, b)),
+                                     hn::PromoteTo(d32, c));
+            const auto one = hn::Set(d32, 1);
+            const auto left = hn::Min(hn::Max(hn::Sub(beyond, sum), hn::Zero(d32)), one);
+            return hn::DemoteTo(half, left);
+        };
+        return hn::Combine(
+            D16(),
+            wide(hn::UpperHalf(half, red), hn::UpperHalf(half, green), hn::UpperHalf(half, blue)),
+            wide(hn::LowerHalf(half, red), hn::LowerHalf(half, green), hn::LowerHalf(half, blue)));
+    }
+    hn::Vec<hn::RebindToSigned<D32>> beyond;
+};
+
+template <template <class> class SumsOf>
+std::size_t MaskKeyBy(const std::uint8_t* pixels, std::size_t count, const ColourKey& key,
+                      std::uint8_t* mask) {
     const hn::ScalableTag<std::uint8_t> d8;
     const hn::Repartition<std::uint16_t, decltype(d8)> d16;
+    const hn::RebindToSigned<decltype(d16)> di16;
     const hn::Half<decltype(d8)> half8;
     const auto keyRed = hn::Set(d8, key.colour.red);
     const auto keyGreen = hn::Set(d8, key.colour.green);
     const auto keyBlue = hn::Set(d8, key.colour.blue);
-    const auto farthest = hn::Set(d16, static_cast<std::uint16_t>(key.farthest));
-    const auto one = hn::Set(d16, std::uint16_t{1});
+    const SumsOf<hn::Repartition<std::uint16_t, hn::ScalableTag<std::uint8_t>>> sums(key);
     const auto distance = [](auto a, auto b) {
         return hn::Or(hn::SaturatedSub(a, b), hn::SaturatedSub(b, a));
     };
-    const auto lower = [&](auto v) { return hn::PromoteTo(d16, hn::LowerHalf(half8, v)); };
-    const auto upper = [&](auto v) { return hn::PromoteTo(d16, hn::UpperHalf(half8, v)); };
-    const auto square = [](auto v) { return hn::Mul(v, v); };
-    // 1 where near, else 0: the saturated difference to one more than the farthest is at least 1.
-    const auto near = [&](auto red, auto green, auto blue) {
-        const auto sum =
-            hn::SaturatedAdd(hn::SaturatedAdd(square(red), square(green)), square(blue));
-        return hn::Min(hn::SaturatedSub(hn::Add(farthest, one), sum), one);
+    const auto square = [&](auto v) {
+        const auto wide = hn::PromoteTo(d16, v);
+        return hn::Mul(wide, wide);
     };
+    const auto lower = [&](auto v) { return square(hn::LowerHalf(half8, v)); };
+    const auto upper = [&](auto v) { return square(hn::UpperHalf(half8, v)); };
+    const auto narrow = [&](auto v) { return hn::DemoteTo(half8, hn::BitCast(di16, v)); };
     const std::size_t step = hn::Lanes(d8);
     std::size_t done = 0;
     for (; done + step <= count; done += step) {
@@ -59,14 +97,19 @@ std::size_t MaskKeyVectors(const std::uint8_t* pixels, std::size_t count, const 
         red = distance(red, keyRed);
         green = distance(green, keyGreen);
         blue = distance(blue, keyBlue);
-        const hn::RebindToSigned<decltype(d16)> di16;
-        const auto narrow = [&](auto v) { return hn::DemoteTo(half8, hn::BitCast(di16, v)); };
-        const auto flags = hn::Combine(d8, narrow(near(upper(red), upper(green), upper(blue))),
-                                       narrow(near(lower(red), lower(green), lower(blue))));
+        const auto flags = hn::Combine(d8, narrow(sums.Near(upper(red), upper(green), upper(blue))),
+                                       narrow(sums.Near(lower(red), lower(green), lower(blue))));
         const auto bytes = hn::Sub(hn::Zero(d8), flags);
         hn::StoreInterleaved3(bytes, bytes, bytes, d8, mask + 3 * done);
     }
     return done;
+}
+
+// Gives the number of pixels that are done; a rest of less than a vector stays.
+std::size_t MaskKeyVectors(const std::uint8_t* pixels, std::size_t count, const ColourKey& key,
+                           std::uint8_t* mask) {
+    return key.farthest < 0xFFFF ? MaskKeyBy<NarrowSums>(pixels, count, key, mask)
+                                 : MaskKeyBy<WideSums>(pixels, count, key, mask);
 }
 
 #endif
@@ -93,9 +136,7 @@ LUMO_SIMD_CLONES void Select(const std::uint8_t* from, const std::uint8_t* mask,
 
 void MaskKey(const std::uint8_t* pixels, std::size_t count, const ColourKey& key,
              std::uint8_t* mask) {
-    std::size_t done = 0;
-    if (key.farthest < 0xFFFF)
-        done = HWY_DYNAMIC_DISPATCH(MaskKeyVectors)(pixels, count, key, mask);
+    std::size_t done = HWY_DYNAMIC_DISPATCH(MaskKeyVectors)(pixels, count, key, mask);
     for (; done < count; ++done) {
         const std::uint8_t value = key.Matches(pixels + 3 * done) ? 255 : 0;
         for (std::size_t c = 0; c < 3; ++c) mask[3 * done + c] = value;

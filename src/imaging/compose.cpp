@@ -5,6 +5,7 @@
 
 #include "imaging/last_error.h"
 #include "imaging/parallel.h"
+#include "imaging/simd.h"
 
 namespace lumo::imaging {
 namespace {
@@ -16,6 +17,13 @@ Rect Intersection(Rect rect, Size size) {
 
 bool HasPixels(Rect rect) {
     return rect.left < rect.right && rect.top < rect.bottom;
+}
+
+LUMO_SIMD_CLONES void MixRow(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes,
+                             double share) {
+    for (std::size_t i = 0; i < bytes; ++i)
+        to[i] = static_cast<std::uint8_t>(
+            static_cast<int>(from[i] * share + to[i] * (1.0 - share) + 0.5));
 }
 
 }  // namespace
@@ -40,7 +48,7 @@ bool FillSolidRect(ImageView target, Rect rect, Rgb colour) {
     return true;
 }
 
-bool OverlayImage(ImageView destination, ConstImageView source, int x, int y) {
+bool OverlayImage(ImageView destination, ConstImageView source, int x, int y, double opacity) {
     if (destination.IsEmpty() || source.IsEmpty()) {
         SetLastError("there is no picture to overlay");
         return false;
@@ -56,8 +64,14 @@ bool OverlayImage(ImageView destination, ConstImageView source, int x, int y) {
     if (!HasPixels({left, top, right, bottom})) return true;
     const std::size_t bytes = StrideOf({right - left, 1});
     ForRows(bottom - top, 2 * bytes, [&, firstX = left, firstY = top](int first, int last) {
-        for (int row = firstY + first; row < firstY + last; ++row)
-            std::memcpy(destination.At(firstX, row), source.At(firstX - x, row - y), bytes);
+        for (int row = firstY + first; row < firstY + last; ++row) {
+            std::uint8_t* const to = destination.At(firstX, row);
+            const std::uint8_t* const from = source.At(firstX - x, row - y);
+            if (opacity >= 1.0)
+                std::memcpy(to, from, bytes);
+            else
+                MixRow(to, from, bytes, std::max(opacity, 0.0));
+        }
     });
     return true;
 }

@@ -11,9 +11,11 @@ namespace lumo::imaging {
 /// only if there is no picture.
 [[nodiscard]] bool FillSolidRect(ImageView target, Rect rect, Rgb colour);
 
-/// Lays the source on the destination with its upper left pixel at (x, y), at full opacity. What
-/// would lie outside of the destination is left out. False, with LastError() set, only if one of
-/// the two has no pixels. The views must not overlap.
-[[nodiscard]] bool OverlayImage(ImageView destination, ConstImageView source, int x, int y);
+/// Lays the source on the destination with its upper left pixel at (x, y). Each channel becomes
+/// source * opacity + value * (1 - opacity) in doubles, rounded; opacity is limited to 0.0 to 1.0.
+/// What would lie outside of the destination is left out. False, with LastError() set, only if one
+/// of the two has no pixels. The views must not overlap.
+[[nodiscard]] bool OverlayImage(ImageView destination, ConstImageView source, int x, int y,
+                                double opacity = 1.0);
 
 }  // namespace lumo::imaging

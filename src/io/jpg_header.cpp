@@ -84,7 +84,7 @@ constexpr std::array kFields{
     Flag("Retain all file header information (JPG_COM, EXIF, IPTC, etc.)", "0"),
     Flag("Add a JPG_COM path to original image file", "0"),
     Flag("Add JPG_COM comments", "0"),
-    Text("Comments",
+    Text("JPG_COM comments",
          "Place your comments here (1,000 characters maximum).\r\nIn IPTC date tag, "
          "$(date%Y%m%d) will be replaced by the current date in form yyyymmdd when executed\r\n"
          "Press help for details of this command.")

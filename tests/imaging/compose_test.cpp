@@ -80,5 +80,24 @@ TEST(Compose, RefusesNoPicture) {
     EXPECT_TRUE(test::SamePixels(image, source));
 }
 
+TEST(OverlayImage, OpacityMixesAndRounds) {
+    for (const double opacity : {0.0, 0.2, 0.5, 0.77, 0.999, 1.0, 3.0, -1.0})
+        for (const Size size : {Size{1, 1}, Size{7, 5}, Size{129, 3}}) {
+            const Image source = test::RandomImage(size, 21);
+            Image actual = test::RandomImage({130, 9}, 22),
+                  expected = test::RandomImage({130, 9}, 22);
+            ASSERT_TRUE(OverlayImage(actual.View(), source.View(), 2, 3, opacity));
+            const double share = opacity < 0 ? 0 : opacity > 1 ? 1 : opacity;
+            for (int y = 0; y < size.height; ++y)
+                for (int x = 0; x < size.width && x + 2 < 130; ++x)
+                    for (int c = 0; c < 3; ++c) {
+                        std::uint8_t& byte = expected.View().At(x + 2, y + 3)[c];
+                        byte = static_cast<std::uint8_t>(source.View().At(x, y)[c] * share +
+                                                         byte * (1.0 - share) + 0.5);
+                    }
+            EXPECT_TRUE(test::SamePixels(actual, expected)) << opacity;
+        }
+}
+
 }  // namespace
 }  // namespace lumo::imaging

@@ -15,6 +15,7 @@
 #include "script/script_file.h"
 #include "script/templates.h"
 #include "support/temp_folder.h"
+#include "support/test_files.h"
 
 namespace lumo {
 namespace {
@@ -22,7 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::Contains, testing::HasSubstr, testing::IsEmpty, testing::Not;
 
-const fs::path kPackaging = fs::path(LUMO_SOURCE_ROOT) / "packaging";
+const fs::path kPackaging = test::SourceRoot() / "packaging";
 constexpr int kSizes[] = {16, 22, 24, 32, 48, 64, 128, 256, 512};
 
 std::string Read(const fs::path& path) {
@@ -131,7 +132,7 @@ TEST(Packaging, DesktopFileStartsAProgramOfOurs) {
     EXPECT_EQ(entry["Type"], "Application");
     EXPECT_EQ(entry["Exec"], "lumoscript %f");
     EXPECT_EQ(entry["Terminal"], "false");
-    const std::string build = Read(fs::path(LUMO_SOURCE_ROOT) / "src/CMakeLists.txt");
+    const std::string build = Read(test::SourceRoot() / "src/CMakeLists.txt");
     EXPECT_THAT(build, HasSubstr("add_executable(lumoscript "));
     for (const char* needed : {"Name", "Comment", "Categories", "Icon", "MimeType"})
         EXPECT_THAT(entry[needed], Not(IsEmpty())) << needed;
@@ -190,14 +191,14 @@ TEST(Packaging, MetainfoNamesTheDesktopFile) {
          Between(metainfo, "<launchable type=\"desktop-id\">", "</launchable>"))
         EXPECT_TRUE(fs::exists(kPackaging / file)) << file;
     EXPECT_THAT(Between(metainfo, "<id>", "</id>"), Contains("org.lumoscript.Lumoscript"));
-    const std::string build = Read(fs::path(LUMO_SOURCE_ROOT) / "CMakeLists.txt");
+    const std::string build = Read(test::SourceRoot() / "CMakeLists.txt");
     const auto version = Between(build, "project(Lumoscript VERSION ", " ");
     ASSERT_EQ(version.size(), 1U);
     EXPECT_THAT(metainfo, HasSubstr("<release version=\"" + version[0] + "\""));
 }
 
 TEST(Packaging, WhatIsInstalledIsThere) {
-    const std::string rules = Read(fs::path(LUMO_SOURCE_ROOT) / "cmake/Packaging.cmake");
+    const std::string rules = Read(test::SourceRoot() / "cmake/Packaging.cmake");
     for (const std::string& file : Between(rules, "install(FILES ${LUMO_PACKAGING}/", " ")) {
         const std::string path = file.substr(0, file.find('\n'));
         if (path.find("${folder}") == std::string::npos) {

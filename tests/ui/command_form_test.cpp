@@ -28,6 +28,7 @@
 #include "settings/settings_store.h"
 #include "support/command_runner.h"
 #include "support/temp_folder.h"
+#include "support/test_files.h"
 #include "ui/choice_controls.h"
 #include "ui/colour_control.h"
 #include "ui/number_control.h"
@@ -190,9 +191,10 @@ TEST_F(Form, NumbersOutOfRangeAreClampedInEveryCommand) {
             Open(command->spec.name);
             for (int i = 0; i < static_cast<int>(specs.size()); ++i)
                 if (auto* number = dynamic_cast<NumberControl*>(form->Fields().Control(i)))
-                    if (specs[static_cast<std::size_t>(i)]->maxLength == 0)
+                    if (const int most = specs[static_cast<std::size_t>(i)]->maxLength; true)
                         number->Edit().findChild<QLineEdit*>()->setText(
-                            above ? QStringLiteral("99999999") : QStringLiteral("-99999999"));
+                            (above ? QStringLiteral("99999999") : QStringLiteral("-99999999"))
+                                .left(most == 0 ? 9 : most));
             form->accept();
             const Fields after = ReadParams(command->spec, form->Params());
             for (int i = 0; i < static_cast<int>(specs.size()); ++i) {
@@ -642,7 +644,7 @@ TEST_F(Form, PreviewObeysTheRangeWhileTheEditDoesNot) {
 }
 
 TEST_F(Form, EveryPreviewComesBack) {
-    view.settings.installFolder = std::string(LUMO_SOURCE_ROOT) + "/share";
+    view.settings.installFolder = (test::SourceRoot() / "share").string();
     for (const Command* command : CommandsWithForm()) {
         if (!PreviewRenderer::CanShow(*command)) continue;
         SCOPED_TRACE(command->spec.name);

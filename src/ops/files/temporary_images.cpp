@@ -26,7 +26,7 @@ using namespace script;
 
 constexpr std::string_view kSlotNames[] = {"Temp1", "Temp2", "Temp3", "Temp4",
                                            "Temp5", "Temp6", "Temp7", ""};
-constexpr std::array kFields{Choice("File name", "0", kSlotNames), Text("", "").Quoted()};
+constexpr std::array kFields{Choice("File name", "0", kSlotNames), Text("Other file name", "").Quoted()};
 static_assert(kFields.size() == slot::kFieldCount);
 
 constexpr std::string_view kOutputNotes[] = {"Path to use to input again:"};

@@ -108,9 +108,19 @@ void SumBlocks(ConstImageView image, Rect strip, int width, Sums* blocks) {
     }
 }
 
-std::uint8_t Average(std::uint64_t sum, Size block) {
-    return static_cast<std::uint8_t>(sum / block.Area());
-}
+// Sums divided by the area of a block, truncated. The half keeps a whole quotient on its side of
+// the rounding: it lies 0.5 / area above, any other at least as far below the next whole number.
+class Averages {
+  public:
+    explicit Averages(Size block) : share_(1.0 / static_cast<double>(block.Area())) {}
+    std::uint8_t Of(std::uint64_t sum) const {
+        return static_cast<std::uint8_t>(
+            (static_cast<double>(static_cast<std::int64_t>(sum)) + 0.5) * share_);
+    }
+
+  private:
+    double share_;
+};
 
 // A block wider than a strip.
 void FlattenBlock(ImageView image, Rect block) {
@@ -118,11 +128,10 @@ void FlattenBlock(ImageView image, Rect block) {
     for (int x = block.left; x < block.right; x += kStripPixels)
         SumBlocks(image, {x, block.top, std::min(x + kStripPixels, block.right), block.bottom},
                   kStripPixels, &sums);
-    const Size size = block.Extent();
+    const Averages average(block.Extent());
     std::ignore = imaging::FillSolidRect(  // a block has pixels
         image, block,
-        {Average(sums.channel[0], size), Average(sums.channel[1], size),
-         Average(sums.channel[2], size)});
+        {average.Of(sums.channel[0]), average.Of(sums.channel[1]), average.Of(sums.channel[2])});
 }
 
 // As many whole blocks as a strip holds.
@@ -133,11 +142,13 @@ void FlattenStrip(ImageView image, Rect strip, int width) {
     SumBlocks(image, strip, width, blocks.data());
     std::uint8_t* out = line.data();
     const Sums* block = blocks.data();
+    const int height = strip.bottom - strip.top;
+    const Averages whole({width, height});
     for (int x = strip.left; x < strip.right; ++block) {
         const int end = std::min(x + width, strip.right);
-        const Size size{end - x, strip.bottom - strip.top};
+        const Averages average = end - x == width ? whole : Averages({end - x, height});
         std::uint8_t colour[kChannels];
-        for (int c = 0; c < kChannels; ++c) colour[c] = Average(block->channel[c], size);
+        for (int c = 0; c < kChannels; ++c) colour[c] = average.Of(block->channel[c]);
         for (; x < end; ++x)
             for (const std::uint8_t value : colour) *out++ = value;
     }

@@ -17,6 +17,8 @@ extern const engine::Command kWatermarkCommand;
 extern const engine::Command kTileOverAbsoluteCommand;
 extern const engine::Command kFrameOverlayCommand;
 extern const engine::Command kMaskOverlayCommand;
+extern const engine::Command kTextOverlayCommand;
+extern const engine::Command kTextOverlayAbsoluteCommand;
 extern const engine::Command kDropShadowCommand;
 
 }  // namespace lumo::ops::overlays

@@ -1,23 +1,9 @@
 #pragma once
 
-#include <cairo.h>
-
-#include <memory>
-
+#include "imaging/cairo_owners.h"
 #include "imaging/codecs/metafile/clip.h"
 
 namespace lumo::imaging::codecs::metafile {
-
-struct CairoFree {
-    void operator()(cairo_t* p) const { cairo_destroy(p); }
-    void operator()(cairo_surface_t* p) const { cairo_surface_destroy(p); }
-    void operator()(cairo_pattern_t* p) const { cairo_pattern_destroy(p); }
-};
-using CairoContext = std::unique_ptr<cairo_t, CairoFree>;
-using CairoSurface = std::unique_ptr<cairo_surface_t, CairoFree>;
-using CairoPattern = std::unique_ptr<cairo_pattern_t, CairoFree>;
-
-inline constexpr int kCairoMaxSide = 32767;  // pixels
 
 /// A surface on pixels that stand elsewhere and outlive it; stride in bytes, a multiple of four.
 CairoSurface SurfaceOn(void* pixels, cairo_format_t format, Size size, std::size_t stride);

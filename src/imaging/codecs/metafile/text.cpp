@@ -2,70 +2,30 @@
 // each letter stands.
 
 #include <hb-ot.h>
-#include <pango/pangocairo.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
-#include <memory>
 #include <numbers>
 
 #include "imaging/codecs/metafile/charsets.h"
 #include "imaging/codecs/metafile/device_context.h"
+#include "imaging/pango_support.h"
 
 namespace lumo::imaging::codecs::metafile {
 namespace {
 
-struct GObjectFree {
-    void operator()(gpointer object) const { g_object_unref(object); }
-};
-template <class T>
-using Owned = std::unique_ptr<T, GObjectFree>;
-struct FontFree {
-    void operator()(PangoFontDescription* p) const { pango_font_description_free(p); }
-    void operator()(PangoFontMetrics* p) const { pango_font_metrics_unref(p); }
-    void operator()(PangoAttrList* p) const { pango_attr_list_unref(p); }
-};
-using FontDescription = std::unique_ptr<PangoFontDescription, FontFree>;
-using FontMetrics = std::unique_ptr<PangoFontMetrics, FontFree>;
-using Attributes = std::unique_ptr<PangoAttrList, FontFree>;
-
-constexpr double kLargestFont = 20'000;       // pixels
 constexpr double kLargestGlyph = 200;         // pixels; larger letters are drawn as outlines
 constexpr std::size_t kLongestText = 20'000;  // bytes of one record
-
-// What stands in for faces that are not installed, by the beginning of their names in lower case:
-// the family whose letters come nearest in shape and width.
-constexpr std::pair<std::string_view, std::string_view> kStandIns[] = {
-    {"times", "Times New Roman"},      {"tms rmn", "Times New Roman"},
-    {"ms serif", "Times New Roman"},   {"roman", "Times New Roman"},
-    {"garamond", "Times New Roman"},   {"georgia", "Times New Roman"},
-    {"cambria", "Times New Roman"},    {"palatino", "Times New Roman"},
-    {"bookman", "Times New Roman"},    {"book antiqua", "Times New Roman"},
-    {"century", "Times New Roman"},    {"minion", "Times New Roman"},
-    {"verdana", "DejaVu Sans"},        {"lucida sans", "DejaVu Sans"},
-    {"courier", "Courier New"},        {"fixedsys", "Courier New"},
-    {"terminal", "Courier New"},       {"consolas", "Courier New"},
-    {"lucida console", "Courier New"},
-};
 
 // The face, its stand-in, and the family that its class names.
 std::string Families(const Font& font) {
     constexpr std::string_view kSerif = "Times New Roman,Serif";
     if (IsSymbolFace(font.face)) return std::string(kSerif);
-    std::string families, lower;
-    for (const char c : font.face) {
-        const auto byte = static_cast<unsigned char>(c);
-        families.push_back(c == ',' || byte < ' ' ? ' ' : c);
-        lower.push_back(static_cast<char>(std::tolower(byte)));
-    }
-    if (!families.empty()) families += ',';
-    for (const auto& [start, standIn] : kStandIns)
-        if (lower.starts_with(start)) families.append(standIn).push_back(',');
     const int family = font.pitchAndFamily >> 4, pitch = font.pitchAndFamily & 3;
-    if (family == 1) return families.append(kSerif);
-    if (family == 3 || (family == 0 && pitch == 1)) return families + "Courier New,Monospace";
-    return families + "Arial,Sans";
+    if (family == 1) return FontFamilies(font.face, kSerif);
+    if (family == 3 || (family == 0 && pitch == 1))
+        return FontFamilies(font.face, "Courier New,Monospace");
+    return FontFamilies(font.face, "Arial,Sans");
 }
 
 // The mean width of letters that the font itself states, as a share of its size; 0 if it does not.
@@ -87,57 +47,28 @@ double StatedMeanWidth(PangoFont* font) {
 
 // A line of text laid out at its final size, and what the drawing needs to know of it.
 struct Line {
-    Owned<PangoContext> context;
-    Owned<PangoLayout> layout;
+    PangoOwned<PangoContext> context;
+    PangoOwned<PangoLayout> layout;
     double ascent = 0;  // pixels
     double descent = 0;
     double width = 0;    // of all advances
     double stretch = 1;  // of the letters along the line
 };
 
-void SetSize(PangoContext* context, PangoFontDescription* description, double pixels) {
-    pango_font_description_set_absolute_size(description,
-                                             std::clamp(pixels, 1.0, kLargestFont) * PANGO_SCALE);
-    pango_context_set_font_description(context, description);
-}
-
 Line MakeLine(const Font& font, double pixelsPerUnit, const std::string& text, bool tied) {
     Line line;
-    // Each thread has a font map of its own.
-    line.context.reset(pango_font_map_create_context(pango_cairo_font_map_get_default()));
-    const std::unique_ptr<cairo_font_options_t, decltype(&cairo_font_options_destroy)> options(
-        cairo_font_options_create(), cairo_font_options_destroy);
-    cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
-    cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
-    cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
-    pango_cairo_context_set_font_options(line.context.get(), options.get());
-    pango_context_set_round_glyph_positions(line.context.get(), FALSE);
-
-    const FontDescription description(pango_font_description_new());
-    pango_font_description_set_family(description.get(), Families(font).c_str());
-    pango_font_description_set_weight(description.get(),
-                                      static_cast<PangoWeight>(std::clamp(font.weight, 100, 1000)));
-    if (font.italic) pango_font_description_set_style(description.get(), PANGO_STYLE_ITALIC);
+    line.context = MakeTextContext(LetterFit::Exact);
+    const auto description = DescribeFont(Families(font), font.weight, font.italic);
     const double wanted = std::abs(font.height == 0 ? 16.0 : font.height * pixelsPerUnit);
-    SetSize(line.context.get(), description.get(), wanted);
-    const auto measure = [&] {
-        const FontMetrics metrics(
-            pango_context_get_metrics(line.context.get(), description.get(), nullptr));
-        line.ascent =
-            static_cast<double>(pango_font_metrics_get_ascent(metrics.get())) / PANGO_SCALE;
-        line.descent =
-            static_cast<double>(pango_font_metrics_get_descent(metrics.get())) / PANGO_SCALE;
-    };
-    measure();
-    double size = wanted;
-    if (font.height > 0 && line.ascent + line.descent > 0) {
-        size = wanted * wanted / (line.ascent + line.descent);
-        SetSize(line.context.get(), description.get(), size);
-        measure();
-    }
+    const FontExtent extent =
+        SetFontHeight(line.context.get(), description.get(), wanted,
+                      font.height > 0 ? FontHeight::Cell : FontHeight::Letters);
+    line.ascent = extent.ascent;
+    line.descent = extent.descent;
     if (font.width != 0) {
-        const Owned<PangoFont> face(pango_context_load_font(line.context.get(), description.get()));
-        const double mean = face ? StatedMeanWidth(face.get()) * size : 0;
+        const PangoOwned<PangoFont> face(
+            pango_context_load_font(line.context.get(), description.get()));
+        const double mean = face ? StatedMeanWidth(face.get()) * extent.size : 0;
         if (mean > 0)
             line.stretch = std::clamp(std::abs(font.width) * pixelsPerUnit / mean, 0.05, 20.0);
     }
@@ -145,7 +76,7 @@ Line MakeLine(const Font& font, double pixelsPerUnit, const std::string& text, b
     line.layout.reset(pango_layout_new(line.context.get()));
     pango_layout_set_single_paragraph_mode(line.layout.get(), TRUE);
     pango_layout_set_auto_dir(line.layout.get(), FALSE);
-    const Attributes attributes(pango_attr_list_new());
+    const PangoOwned<PangoAttrList> attributes(pango_attr_list_new());
     if (font.underline)
         pango_attr_list_insert(attributes.get(), pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
     if (font.strikeOut)
