@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "script/fields.h"
+#include "engine/subroutines.h"
 #include "script/names.h"
 
 namespace lumo::engine {
@@ -63,13 +63,9 @@ int EndOfElse(const Script& list, int i) {
 
 /// The definition is searched downwards only; one that stands above its caller is not found, and
 /// the call falls through.
-int FindSubroutine(const Script& list, int i) {
-    const std::string wanted = script::ParseParams(list.ParamsAt(i)).Text(0);
-    for (int k = i + 1; k < list.Count(); ++k)
-        if (list.NameAt(k) == names::kSubroutineStart &&
-            script::ParseParams(list.ParamsAt(k)).Text(0) == wanted)
-            return k;
-    return i;
+int FindCalled(const Script& list, int i) {
+    const int found = FindSubroutine(list, SubroutineNameAt(list, i), i + 1);
+    return found >= 0 ? found : i;
 }
 
 }  // namespace
@@ -102,13 +98,31 @@ void BuildTables(const TableInput& input, std::span<std::int32_t> nextPc,
         } else if (name == names::kLoopEnd) {
             next = FindLoopStart(list, i) + 1;
         } else if (name == names::kSubroutineExecute) {
-            next = FindSubroutine(list, i) + 1;
+            next = FindCalled(list, i) + 1;
         } else if (name == names::kSubroutineStart) {
             next = FindSubroutineEnd(list, i) + 1;
         }
         nextPc[static_cast<std::size_t>(i)] = next;
         branchPc[static_cast<std::size_t>(i)] = branch;
     }
+}
+
+std::vector<std::vector<std::int32_t>> LoopsAroundCalls(const Script& list) {
+    std::vector<std::vector<std::int32_t>> loops(static_cast<std::size_t>(list.Count()));
+    for (int call = 0; call < list.Count(); ++call) {
+        if (list.NameAt(call) != names::kSubroutineExecute) continue;
+        int starts = 0, ends = 0;
+        for (int i = call; i < list.Count(); ++i) {
+            const std::string& name = list.NameAt(i);
+            if (name == names::kSubroutineEnd) break;
+            if (name == names::kLoopStart) ++starts;
+            if (name == names::kLoopEnd && ++ends > starts) {
+                loops[static_cast<std::size_t>(call)].push_back(i);
+                --ends;
+            }
+        }
+    }
+    return loops;
 }
 
 }  // namespace lumo::engine

@@ -7,12 +7,10 @@
 #include "engine/block_checks.h"
 #include "engine/branch_tables.h"
 #include "engine/run_reports.h"
+#include "engine/subroutines.h"
 #include "io/output.h"
 #include "io/run_logs.h"
-#include "platform/paths.h"
-#include "script/fields.h"
 #include "script/names.h"
-#include "script/script_file.h"
 
 namespace lumo::engine {
 namespace {
@@ -31,24 +29,12 @@ void NoteMarkers(RunState& run) {
     run.runCount = run.list.Count();
 }
 
-bool HasSubroutine(const script::Script& list, std::string_view name) {
-    for (int i = 0; i < list.Count(); ++i)
-        if (list.NameAt(i) == names::kSubroutineStart &&
-            script::ParseParams(list.ParamsAt(i)).Text(0) == name)
-            return true;
-    return false;
-}
-
 bool LoadSubroutine(CLumoscriptView& view, const std::string& name) {
     const settings::Settings& settings = view.settings;
-    // The name may hold folders in the manner of Scripts.
-    const std::string native =
-        platform::ParsePath(name, settings.installFolder, settings.folders.temp);
     const std::array<std::string, 3> folders{settings.folders.subroutines, settings.folders.scripts,
                                              settings.installFolder + "/Subroutines"};
     return std::ranges::any_of(folders, [&](const std::string& folder) {
-        return static_cast<bool>(
-            script::AppendSubroutine(folder + "/" + native + ".sbr", view.run.list, {}));
+        return AppendSubroutineOf(folder, name, settings, view.run.list);
     });
 }
 
@@ -106,8 +92,8 @@ bool LoadCalledSubroutines(CLumoscriptView& view) {
     bool allFound = true;
     for (int i = 0; i < run.list.Count() && run.list.Count() <= kMaxRunCommands; ++i) {
         if (run.list.NameAt(i) != names::kSubroutineExecute) continue;
-        const std::string name = script::ParseParams(run.list.ParamsAt(i)).Text(0);
-        if (HasSubroutine(run.list, name) || LoadSubroutine(view, name)) continue;
+        const std::string name = SubroutineNameAt(run.list, i);
+        if (FindSubroutine(run.list, name) >= 0 || LoadSubroutine(view, name)) continue;
         allFound = false;
         ReportFault(view, "Preprocessing error: Unable to load called subroutine; " + name);
     }
@@ -142,13 +128,16 @@ bool PreprocessRun(CLumoscriptView& view) {
         constexpr std::string_view kText =
             "In subroutine 'Output setup' command(s) you must uncheck 'Set at runtime' and set the "
             "output folder. Then run again";
-        if (run.noPrompts)
-            io::LogFatalRefusal(view, kText);
-        else
+        if (!run.noPrompts) {
             view.ui.ShowMessage(kText);
+        } else {
+            io::LogFatalRefusal(view, kText);
+            view.ui.Notice(kText);
+        }
         return false;
     }
     BuildTables({run.list, run.startIdxBefore, run.endIdxBefore}, run.nextPc, run.branchPc);
+    run.loopsAround = LoopsAroundCalls(run.list);
     run.stack.fill(0);
     run.stack[0] = -1;
     run.stackIndex = 0;

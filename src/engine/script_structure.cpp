@@ -3,10 +3,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/paths.h"
+#include "engine/subroutines.h"
 #include "script/fields.h"
 #include "script/names.h"
-#include "script/script_file.h"
 
 namespace lumo::engine {
 namespace {
@@ -81,26 +80,14 @@ std::string_view FirstFault(const BlockCounts& c) {
     return {};
 }
 
-bool HasSubroutine(const script::Script& script, const std::string& name) {
-    for (int i = 0; i < script.Count(); ++i)
-        if (script.NameAt(i) == names::kSubroutineStart &&
-            script::ParseParams(script.ParamsAt(i)).Is(0, name))
-            return true;
-    return false;
-}
-
 /// The name of the first called subroutine that is nowhere, or none.
 std::string FirstMissingSubroutine(CLumoscriptView& view) {
     script::Script& script = view.script.commands;
     for (int i = 0; i < script.Count() && i < kMaxRunCommands; ++i) {
         if (script.NameAt(i) != names::kSubroutineExecute) continue;
-        const std::string name = script::ParseParams(script.ParamsAt(i)).Text(0);
-        if (HasSubroutine(script, name)) continue;
-        const settings::Settings& settings = view.settings;
-        const std::string native =
-            platform::ParsePath(name, settings.installFolder, settings.folders.temp);
-        if (!script::AppendSubroutine(settings.folders.subroutines + "/" + native + ".sbr", script,
-                                      {}))
+        const std::string name = SubroutineNameAt(script, i);
+        if (FindSubroutine(script, name) >= 0) continue;
+        if (!AppendSubroutineOf(view.settings.folders.subroutines, name, view.settings, script))
             return name;
     }
     return {};

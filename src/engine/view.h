@@ -93,6 +93,7 @@ struct RunState {
     int startIdxBefore = -1, endIdxBefore = -1;  // before subroutines were loaded
     std::vector<std::int32_t> nextPc = std::vector<std::int32_t>(kMaxRunCommands);
     std::vector<std::int32_t> branchPc = std::vector<std::int32_t>(kMaxRunCommands);
+    std::vector<std::vector<std::int32_t>> loopsAround;  // each call, see branch_tables.h
     std::array<std::int32_t, kSubroutineStackWords> stack{-1};
     int stackIndex = 0;
     int pc = 0, prevPc = -1;
