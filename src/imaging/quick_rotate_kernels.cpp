@@ -12,32 +12,21 @@
 // foreach_target.h comes first.
 #include <hwy/highway.h>
 
+#include "imaging/reverse_pixels-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace lumo::imaging::kernels::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
-
-#if HWY_TARGET != HWY_SCALAR
-
-template <class D>
-HWY_INLINE hn::Vec<D> ReverseBytes(D d, hn::Vec<D> v) {
-    alignas(16) static constexpr std::uint8_t kOrder[16] = {15, 14, 13, 12, 11, 10, 9, 8,
-                                                            7,  6,  5,  4,  3,  2,  1, 0};
-    return hn::ReverseBlocks(d, hn::TableLookupBytes(v, hn::LoadDup128(d, kOrder)));
-}
-
-#endif
+namespace shared = imaging::HWY_NAMESPACE;
 
 void ReverseRow(const std::uint8_t* source, std::size_t width, std::uint8_t* target) {
     std::size_t done = 0;
 #if HWY_TARGET != HWY_SCALAR
     const hn::ScalableTag<std::uint8_t> d;
     const std::size_t lanes = hn::Lanes(d);
-    for (; done + lanes <= width; done += lanes) {
-        hn::Vec<decltype(d)> red, green, blue;
-        hn::LoadInterleaved3(d, source + (width - done - lanes) * kChannels, red, green, blue);
-        hn::StoreInterleaved3(ReverseBytes(d, red), ReverseBytes(d, green), ReverseBytes(d, blue),
-                              d, target + done * kChannels);
-    }
+    for (; done + lanes <= width; done += lanes)
+        shared::StorePixels(d, shared::LoadReversed(d, source + (width - done - lanes) * kChannels),
+                            target + done * kChannels);
 #endif
     for (; done < width; ++done)
         std::memcpy(target + done * kChannels, source + (width - done - 1) * kChannels, kChannels);
