@@ -184,5 +184,47 @@ void BM_FlowCommands(benchmark::State& state) {
 }
 BENCHMARK(BM_FlowCommands)->Unit(benchmark::kMillisecond)->Iterations(2);
 
+/// Every command of the flow, a million in all, on a picture of one pixel.
+void BM_AllFlowCommands(benchmark::State& state) {
+    for (auto _ : state) {
+        SilentInterface ui;
+        engine::CLumoscriptView view(ui);
+        view.run.noPrompts = view.run.onLeftImage = true;
+        view.sample.left = NoisyImage({1, 1});
+        view.settings.logs.batchLog = view.settings.logs.errorLog = false;
+        script::Script& script = view.script.commands;
+        const auto add = [&](std::string_view name, std::string_view params = "0") {
+            script.Add(name, params);
+        };
+        constexpr auto kAddToB = "3,1,1,1,";
+        add(names::kStartImageLoop, "32,2,,\"/nonexistent\",");
+        add(names::kDoWhile, "5,4,1,50000,0,0,");  // twenty commands a pass
+        add(names::kIfCondition, "5,1,2,1,0,0,");  // true
+        add(names::kCounter, kAddToB);
+        add(names::kIfEnd);
+        add(names::kElseStart);
+        add(names::kElseEnd);
+        add(names::kLoopStart, "1,3,");
+        add(names::kCounter, kAddToB);
+        add(names::kLoopEnd);
+        add(names::kSubroutineExecute, "1,S,");
+        add(names::kIfCondition, "5,3,0,1,0,0,");  // false
+        add(names::kIfEnd);
+        add(names::kElseStart);
+        add(names::kCounter, kAddToB);
+        add(names::kElseEnd);
+        add(names::kCounter, "3,1,1,0,");
+        add(names::kDoEnd);
+        add(names::kEndImageLoop);
+        add(names::kSubroutineStart, "1,S,");
+        add(names::kCounter, kAddToB);
+        add(names::kSubroutineEnd);
+        if (!engine::PrepareBatch(view)) std::abort();
+        engine::RunThreadEntry(view);
+    }
+    state.SetItemsProcessed(state.iterations() * 1'000'000);
+}
+BENCHMARK(BM_AllFlowCommands)->Unit(benchmark::kMillisecond)->Iterations(3);
+
 }  // namespace
 }  // namespace lumo::bench

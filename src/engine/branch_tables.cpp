@@ -103,4 +103,22 @@ void BuildTables(const TableInput& input, std::span<std::int32_t> nextPc,
     }
 }
 
+std::vector<std::vector<std::int32_t>> LoopsAroundCalls(const Script& list) {
+    std::vector<std::vector<std::int32_t>> loops(static_cast<std::size_t>(list.Count()));
+    for (int call = 0; call < list.Count(); ++call) {
+        if (list.NameAt(call) != names::kSubroutineExecute) continue;
+        int starts = 0, ends = 0;
+        for (int i = call; i < list.Count(); ++i) {
+            const std::string& name = list.NameAt(i);
+            if (name == names::kSubroutineEnd) break;
+            if (name == names::kLoopStart) ++starts;
+            if (name == names::kLoopEnd && ++ends > starts) {
+                loops[static_cast<std::size_t>(call)].push_back(i);
+                --ends;
+            }
+        }
+    }
+    return loops;
+}
+
 }  // namespace lumo::engine

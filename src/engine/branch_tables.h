@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <span>
+#include <vector>
 
 #include "script/script.h"
 
@@ -34,5 +35,9 @@ enum TableFault : std::int32_t {
 /// behind the list are zeroed.
 void BuildTables(const TableInput& input, std::span<std::int32_t> nextPc,
                  std::span<std::int32_t> branchPc);
+
+/// For each call the Loop Ends, from the call to the end of its subroutine, that belong to loops
+/// opened before it: what remains of those loops is kept over the call. Empty for other commands.
+std::vector<std::vector<std::int32_t>> LoopsAroundCalls(const script::Script& list);
 
 }  // namespace lumo::engine

@@ -139,6 +139,7 @@ bool PreprocessRun(CLumoscriptView& view) {
         return false;
     }
     BuildTables({run.list, run.startIdxBefore, run.endIdxBefore}, run.nextPc, run.branchPc);
+    run.loopsAround = LoopsAroundCalls(run.list);
     run.stack.fill(0);
     run.stack[0] = -1;
     run.stackIndex = 0;

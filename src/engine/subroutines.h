@@ -20,7 +20,7 @@ bool IsIfStarter(std::string_view name);
 std::string SubroutineNameAt(const script::Script& list, int at);
 
 /// The first "SUBROUTINE_START" of exactly that name at `from` or behind it, or -1.
-int FindSubroutine(const script::Script& list, std::string_view name, int from);
+int FindSubroutine(const script::Script& list, std::string_view name, int from = 0);
 
 /// Appends the subroutine of that name from a folder; the name may hold folders in the manner of
 /// Scripts. False if there is no such file or it is none of ours; one that ends too early leaves

@@ -98,6 +98,7 @@ struct RunState {
     // entered last; a `pc` beyond the list ends the run with an error.
     std::vector<std::int32_t> nextPc = std::vector<std::int32_t>(kMaxRunCommands);
     std::vector<std::int32_t> branchPc = std::vector<std::int32_t>(kMaxRunCommands);
+    std::vector<std::vector<std::int32_t>> loopsAround;  // each call, see branch_tables.h
     std::array<std::int32_t, kSubroutineStackWords> stack{-1};
     int stackIndex = 0;
     int pc = 0, prevPc = -1;

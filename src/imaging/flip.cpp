@@ -12,20 +12,11 @@
 // foreach_target.h comes first.
 #include <hwy/highway.h>
 
+#include "imaging/reverse_pixels-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace lumo::imaging::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
-
-#if HWY_TARGET != HWY_SCALAR
-
-template <class D>
-HWY_INLINE hn::Vec<D> ReverseBytes(D d, hn::Vec<D> v) {
-    alignas(16) static constexpr std::uint8_t kOrder[16] = {15, 14, 13, 12, 11, 10, 9, 8,
-                                                            7,  6,  5,  4,  3,  2,  1, 0};
-    return hn::ReverseBlocks(d, hn::TableLookupBytes(v, hn::LoadDup128(d, kOrder)));
-}
-
-#endif
 
 // Swaps a vector of pixels of either end, reversed, until less than two are left in the middle.
 void ReverseRow(std::uint8_t* row, std::size_t width) {
@@ -36,13 +27,9 @@ void ReverseRow(std::uint8_t* row, std::size_t width) {
     for (; right - left >= 2 * lanes; left += lanes, right -= lanes) {
         std::uint8_t* a = row + left * kChannels;
         std::uint8_t* b = row + (right - lanes) * kChannels;
-        hn::Vec<decltype(d)> red, green, blue, redRight, greenRight, blueRight;
-        hn::LoadInterleaved3(d, a, red, green, blue);
-        hn::LoadInterleaved3(d, b, redRight, greenRight, blueRight);
-        hn::StoreInterleaved3(ReverseBytes(d, redRight), ReverseBytes(d, greenRight),
-                              ReverseBytes(d, blueRight), d, a);
-        hn::StoreInterleaved3(ReverseBytes(d, red), ReverseBytes(d, green), ReverseBytes(d, blue),
-                              d, b);
+        const auto first = LoadReversed(d, a), last = LoadReversed(d, b);
+        StorePixels(d, last, a);
+        StorePixels(d, first, b);
     }
 #endif
     for (; right - left >= 2; ++left, --right)

@@ -1,5 +1,7 @@
 #include "imaging/quick_rotate_kernels.h"
 
+#include <hwy/cache_control.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
@@ -10,43 +12,35 @@
 // foreach_target.h comes first.
 #include <hwy/highway.h>
 
+#include "imaging/reverse_pixels-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace lumo::imaging::kernels::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
-
-#if HWY_TARGET != HWY_SCALAR
-
-template <class D>
-HWY_INLINE hn::Vec<D> ReverseBytes(D d, hn::Vec<D> v) {
-    alignas(16) static constexpr std::uint8_t kOrder[16] = {15, 14, 13, 12, 11, 10, 9, 8,
-                                                            7,  6,  5,  4,  3,  2,  1, 0};
-    return hn::ReverseBlocks(d, hn::TableLookupBytes(v, hn::LoadDup128(d, kOrder)));
-}
-
-#endif
+namespace shared = imaging::HWY_NAMESPACE;
 
 void ReverseRow(const std::uint8_t* source, std::size_t width, std::uint8_t* target) {
     std::size_t done = 0;
 #if HWY_TARGET != HWY_SCALAR
     const hn::ScalableTag<std::uint8_t> d;
     const std::size_t lanes = hn::Lanes(d);
-    for (; done + lanes <= width; done += lanes) {
-        hn::Vec<decltype(d)> red, green, blue;
-        hn::LoadInterleaved3(d, source + (width - done - lanes) * kChannels, red, green, blue);
-        hn::StoreInterleaved3(ReverseBytes(d, red), ReverseBytes(d, green), ReverseBytes(d, blue),
-                              d, target + done * kChannels);
-    }
+    for (; done + lanes <= width; done += lanes)
+        shared::StorePixels(d, shared::LoadReversed(d, source + (width - done - lanes) * kChannels),
+                            target + done * kChannels);
 #endif
     for (; done < width; ++done)
         std::memcpy(target + done * kChannels, source + (width - done - 1) * kChannels, kChannels);
 }
 
-// Rows of the source that are turned together: what they write of a row of the target are a few
-// whole cache lines.
-constexpr int kBand = 64;
+// Rows of the source that are turned together: what they write of a row of the target are many
+// whole cache lines, and the one line that is read of each of them stays in the cache.
+constexpr int kBand = 512;
 
 // Pixels of a square that is turned within registers.
 constexpr int kSquare = 4;
+
+// Whole squares in a cache line.
+constexpr int kLinePixels = 16;
 
 struct Turn {
     const std::uint8_t*
@@ -122,12 +116,18 @@ void TurnAll(const Turn& turn, int first, int last) {
     // From left to right: what a square writes behind its pixels is written again by the next one.
     for (int band = 0; band < squaresY; band += kBand) {
         const int bandEnd = std::min(band + kBand, squaresY);
-        for (int x = first; x < squaresX; x += kSquare)
+        for (int x = first; x < squaresX; x += kSquare) {
+            // So many rows at once are more than the processor foresees by itself.
+            if ((x - first) % kLinePixels == 0 && x + kLinePixels + kSquare < turn.width)
+                for (int column = band; column < bandEnd; ++column)
+                    hwy::Prefetch(turn.source + column * turn.step +
+                                  std::ptrdiff_t{kChannels} * (x + kLinePixels + kSquare));
             for (int column = band; column < bandEnd; column += kSquare)
                 TurnSquare(turn.source + column * turn.step + std::ptrdiff_t{kChannels} * x,
                            turn.step, column + kSquare == squaresY,
                            turn.target + x * turn.rowStep + std::ptrdiff_t{kChannels} * column,
                            turn.rowStep);
+        }
     }
 #endif
     TurnPixels(turn, first, squaresX, squaresY, turn.height);

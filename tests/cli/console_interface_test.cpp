@@ -1,6 +1,7 @@
 #include "cli/console_interface.h"
 
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <pty.h>
 #include <unistd.h>
 
@@ -32,12 +33,19 @@ class CapturedError {
     CapturedError(const CapturedError&) = delete;
     CapturedError& operator=(const CapturedError&) = delete;
 
-    /// What has come so far, at least one byte.
+    /// What has come so far. A terminal may hand a text over in parts: it is read until nothing
+    /// more comes for a while.
     std::string Text() {
         std::fflush(stderr);
-        char bytes[4096];
-        const ssize_t count = read(from_, bytes, sizeof bytes);
-        return {bytes, static_cast<std::size_t>(count > 0 ? count : 0)};
+        std::string text;
+        pollfd wait{from_, POLLIN, 0};
+        while (poll(&wait, 1, text.empty() ? 5000 : 200) > 0) {
+            char bytes[4096];
+            const ssize_t count = read(from_, bytes, sizeof bytes);
+            if (count <= 0) break;
+            text.append(bytes, static_cast<std::size_t>(count));
+        }
+        return text;
     }
 
   private:

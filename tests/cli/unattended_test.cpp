@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <thread>
@@ -113,6 +115,19 @@ TEST_F(Unattended, SigintEndsAnEndlessRunWithItsLogs) {
     EXPECT_FALSE(fs::exists(folder / "out/0.png"));
 }
 
+TEST_F(Unattended, SigintEndsTheRunAtOnce) {
+    AddPictures(1);
+    std::chrono::steady_clock::time_point told;
+    const auto result = test::RunProgram({kBatch, MakeScript(kEndless)}, [&](int process) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        told = std::chrono::steady_clock::now();
+        kill(process, SIGINT);
+    });
+    EXPECT_EQ(result.exitStatus, 130);
+    // A command takes some nanoseconds here; the rest is the machine's.
+    EXPECT_LT(std::chrono::steady_clock::now() - told, std::chrono::seconds(2));
+}
+
 TEST_F(Unattended, SigtermGives143) {
     AddPictures(1);
     const auto result = test::RunProgram({kBatch, MakeScript(kEndless)}, [](int process) {
@@ -177,6 +192,28 @@ TEST_F(Unattended, ProgressIsForTerminalsOnly) {
     const auto result = test::RunProgram({kBatch, MakeScript("")});
     EXPECT_THAT(result.err, Not(HasSubstr("%")));
     EXPECT_THAT(test::RunProgram({kBatch, MakeScript(""), "--quiet"}).out, IsEmpty());
+}
+
+// docs/flow.md explains this Script.
+TEST_F(Unattended, TheShippedScriptThatDecidesTreatsEachPhotographByWhatItIs) {
+    const std::string share = (test::SourceRoot() / "share").string();
+    fs::create_directories(folder / "work");
+    const fs::path before = fs::current_path();
+    fs::current_path(folder / "work");  // it writes below the working folder
+    const auto result = test::RunProgram({kBatch, share + "/Scripts/Sharpen-for-web.whs"});
+    fs::current_path(before);
+    EXPECT_EQ(result.exitStatus, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("9 images read, 9 files written, 0 errors"));
+    const std::string out = folder / "work/out/Sharpened/";
+    ASSERT_EQ(test::NamesIn(out).size(), 9U);
+    for (const std::string& name : test::NamesIn(out)) {
+        const auto file = platform::ReadFile(out + name);
+        ASSERT_TRUE(file);
+        const auto picture = imaging::codecs::Decode(*file, imaging::codecs::Format::Jpeg);
+        ASSERT_TRUE(picture) << name;
+        // All are larger than 1,200,000 pixels, so the subroutine has fitted each.
+        EXPECT_EQ(std::max(picture->image.Width(), picture->image.Height()), 1280) << name;
+    }
 }
 
 TEST_F(Unattended, MemoryStaysFlatOverTwoThousandFiles) {

@@ -30,6 +30,49 @@ TEST_F(ConditionTest, WidthAgainstAValueInEveryTest) {
     EXPECT_EQ(Evaluate(runner, "5,1,4,639,0,0,"), false);
 }
 
+TEST_F(ConditionTest, EveryTestOfACounterAndOfTheColours) {
+    runner.view.counters[0] = 12;
+    runner.Main() = test::CoordinateImage({4, 3});  // twelve colours
+    for (const char* item : {"4", "11"}) {
+        const auto holds = [&](const char* test, const char* value) {
+            return Evaluate(runner, std::string("5,") + item + "," + test + "," + value + ",0,0,");
+        };
+        EXPECT_EQ(holds("0", "11.9"), true);  // each value is cut first
+        EXPECT_EQ(holds("0", "12"), false);
+        EXPECT_EQ(holds("1", "13"), true);
+        EXPECT_EQ(holds("1", "12.9"), false);
+        EXPECT_EQ(holds("2", "12.9"), true);
+        EXPECT_EQ(holds("2", "13"), false);
+        EXPECT_EQ(holds("3", "12.9"), true);
+        EXPECT_EQ(holds("3", "13"), false);
+        EXPECT_EQ(holds("4", "12"), true);
+        EXPECT_EQ(holds("4", "11.9"), false);
+    }
+    // The bounds of a range are cut for counters only.
+    EXPECT_EQ(Evaluate(runner, "5,4,0,11.9,12.0,1,"), true);
+    EXPECT_EQ(Evaluate(runner, "5,11,0,11.9,12.0,1,"), true);
+    EXPECT_EQ(Evaluate(runner, "5,4,0,12.5,13.0,1,"), false);
+    EXPECT_EQ(Evaluate(runner, "5,11,0,11.0,11.9,1,"), false);
+}
+
+TEST_F(ConditionTest, ValuesBeyondAnIntegerStayBeyondEveryCounter) {
+    runner.view.counters[0] = 2147483647;
+    EXPECT_EQ(Evaluate(runner, "5,4,3,1e20,0,0,"), true);  // cut to the largest integer
+    EXPECT_EQ(Evaluate(runner, "5,4,0,-1e20,0,0,"), true);
+}
+
+TEST_F(ConditionTest, AnyTextButNoughtIsTheRangeForm) {
+    EXPECT_EQ(Evaluate(runner, "5,1,1,600,700,1,"), true);
+    EXPECT_EQ(Evaluate(runner, "5,1,1,600,700,x,"), true);
+    EXPECT_EQ(Evaluate(runner, "4,1,1,600,700,"), true);  // missing
+    EXPECT_EQ(Evaluate(runner, "5,1,1,600,700,0,"), false);
+}
+
+TEST_F(ConditionTest, UnreadableNumbersAreNought) {
+    EXPECT_EQ(Evaluate(runner, "5,1,0,wide,0,0,"), true);  // width > 0
+    EXPECT_EQ(Evaluate(runner, "5,x,x,1.3,0,0,"), true);   // aspect > 1.3
+}
+
 TEST_F(ConditionTest, HeightAreaAndAspect) {
     EXPECT_EQ(Evaluate(runner, "5,2,2,480,0,0,"), true);
     EXPECT_EQ(Evaluate(runner, "5,3,2,307200,0,0,"), true);
@@ -97,10 +140,14 @@ TEST_F(ConditionTest, UnknownCodesDecideNothing) {
     EXPECT_EQ(Evaluate(runner, "5,4,9,1,0,0,"), std::nullopt);
 }
 
-TEST_F(ConditionTest, WithoutAPictureNoAspectPasses) {
+TEST_F(ConditionTest, WithoutAPictureTheAspectIsInfiniteAndTheRestIsNought) {
     runner.Main().Reset();
-    EXPECT_EQ(Evaluate(runner, "5,0,0,0,0,0,"), false);
-    EXPECT_EQ(Evaluate(runner, "5,0,1,9,0,0,"), false);
+    EXPECT_EQ(Evaluate(runner, "5,0,0,1e300,0,0,"), true);
+    EXPECT_EQ(Evaluate(runner, "5,0,1,1e300,0,0,"), false);
+    EXPECT_EQ(Evaluate(runner, "5,0,0,1.0,1e300,1,"), false);  // above the upper bound
+    EXPECT_EQ(Evaluate(runner, "5,1,2,0,0,0,"), true);
+    EXPECT_EQ(Evaluate(runner, "5,3,2,0,0,0,"), true);
+    EXPECT_EQ(Evaluate(runner, "5,10,2,0,0,0,"), true);
     EXPECT_EQ(Evaluate(runner, "5,9,2,0,0,0,"), true);
     EXPECT_EQ(Evaluate(runner, "5,11,2,0,0,0,"), true);
 }

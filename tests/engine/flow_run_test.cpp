@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <random>
-
 #include "engine/flow/flow_commands.h"
 #include "support/flow_runner.h"
 
@@ -224,6 +222,10 @@ TEST(FlowRun, ExitInASubroutineTakesTheNextImageWhileTheLoopLasts) {
     EXPECT_EQ(run.pc, 3);
     run.pc = 2;
     run.imageLoopOver = false;
+    run.imageIndex = -1;  // before the first image the loop is not over either
+    ExecuteCommand(flow.View(), names::kExit, "0");
+    EXPECT_EQ(run.pc, 0);
+    run.pc = 2;
     run.stackIndex = 0;
     ExecuteCommand(flow.View(), names::kExit, "0");
     EXPECT_EQ(run.pc, 3);
@@ -244,159 +246,90 @@ TEST(Counter, ResetsAndAdds) {
     EXPECT_EQ(counters[0], -2147483648);
 }
 
-/// A random nesting of blocks, and a plain interpreter of it beside the tables.
-class Nesting {
-  public:
-    explicit Nesting(std::uint32_t seed) : random_(seed) { Block(0, false); }
+TEST(FlowRun, AScriptInfoIsPassedOver) {
+    FlowRunner flow(
+        {{Named(names::kScriptInfo), "7,a,b,c,d,e,f,g,"}, {Named(names::kCounter), AddOne(0)}});
+    flow.Walk();
+    EXPECT_THAT(flow.trace, ElementsAre(0, 1));
+}
 
-    CommandList list;
+TEST(FlowRun, FallingOnADefinitionStepsOverItsBody) {
+    FlowRunner flow({{Named(names::kSubroutineStart), "1,\"S\","},
+                     {Named(names::kCounter), AddOne(0)},
+                     {Named(names::kSubroutineEnd), "0"},
+                     {Named(names::kCounter), AddOne(1)}});
+    flow.Walk();
+    EXPECT_THAT(flow.trace, ElementsAre(0, 3));
+}
 
-    /// Places of the commands in the order in which plain recursion runs them.
-    std::vector<int> Expected() {
-        counters_.fill(0);
-        expected_.clear();
-        Interpret(0, static_cast<int>(list.size()));
-        return expected_;
+TEST(FlowRun, ACallGoesBehindTheDefinitionAndComesBackBehindItself) {
+    FlowRunner flow(WithSubroutine(
+        {{Named(names::kSubroutineExecute), "1,\"S\","}, {Named(names::kCounter), AddOne(0)}},
+        {{Named(names::kCounter), AddOne(1)}}));
+    flow.Walk();
+    EXPECT_THAT(flow.trace, ElementsAre(0, 5, 6, 1, 2));
+}
+
+TEST(FlowRun, ACallThatFindsNothingBelowFallsThrough) {
+    FlowRunner flow({{Named(names::kSubroutineExecute), "1,\"S\","},
+                     {Named(names::kSubroutineStart), "1,\"s\","},
+                     {Named(names::kSubroutineEnd), "0"}});
+    flow.Walk();
+    EXPECT_THAT(flow.trace, ElementsAre(0, 1));
+    EXPECT_EQ(flow.Run().stackIndex, 12);  // its frame stays
+}
+
+TEST(FlowRun, AFrameHoldsCountersLoopsAndTheWayBack) {
+    FlowRunner flow(WithSubroutine({{Named(names::kLoopStart), "1,9,"},
+                                    {Named(names::kSubroutineExecute), "1,\"S\","},
+                                    {Named(names::kLoopEnd), "0"}},
+                                   {{Named(names::kCounter), AddOne(0)}}));
+    RunState& run = flow.Run();
+    for (int counter = 0; counter < 10; ++counter)
+        flow.View().counters[static_cast<std::size_t>(counter)] = 10 * counter;
+    run.inRun = true;
+    for (int place : {0, 1}) {
+        run.pc = place;
+        ExecuteCommand(flow.View(), run.list.NameAt(place), run.list.ParamsAt(place));
     }
+    const std::vector<std::int32_t> frame(run.stack.begin(),
+                                          run.stack.begin() + run.stackIndex + 1);
+    // Word 0 is the bottom; then A to J, the passes that remain, their Loop End, how many loops,
+    // and the command behind the call.
+    EXPECT_THAT(frame, ElementsAre(-1, 0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 9, 2, 1, 2));
+}
 
-  private:
-    int Add(std::string_view name, const std::string& params = "0") {
-        list.emplace_back(std::string(name), params);
-        return static_cast<int>(list.size()) - 1;
+TEST(FlowRun, AMeasuredItemAnswersToItsOwnFlagInTheOtherForm) {
+    FlowRunner flow({{Named(names::kIfCondition), "5,11,0,1e9,2.0,0,"},  // colours > 1e9
+                     {Named(names::kCounter), AddOne(0)},
+                     {Named(names::kIfEnd), "0"},
+                     {Named(names::kDoWhile), "5,11,0,1e9,2e9,1,"},
+                     {Named(names::kCounter), AddOne(0)},
+                     {Named(names::kDoEnd), "0"}});
+    flow.View().working.main = test::CoordinateImage({4, 3});
+    flow.Walk();
+    EXPECT_THAT(flow.trace, ElementsAre(0, 3));
+    EXPECT_EQ(flow.View().test.ifFlag, 0);
+    EXPECT_EQ(flow.View().test.doFlag, 0);
+}
+
+TEST(FlowRun, EachMeasuredItemGoesAstrayInItsForm) {
+    for (const char* item : {"9", "10", "11"}) {
+        const std::string range = std::string("5,") + item + ",0,1e8,1e9,1,";  // false
+        FlowRunner flow({{Named(names::kIfCondition), range},
+                         {Named(names::kIfEnd), "0"},
+                         {Named(names::kDoWhile), std::string("5,") + item + ",0,1e9,0,0,"},
+                         {Named(names::kDoEnd), "0"}});
+        flow.View().working.main = test::CoordinateImage({4, 3});
+        flow.Walk(2);
+        EXPECT_EQ(flow.View().test.doFlag, 0) << item;  // of the IF
+        EXPECT_EQ(flow.View().test.ifFlag, 1) << item;
+        flow.Run().pc = 2;
+        flow.Run().inRun = true;
+        ExecuteCommand(flow.View(), names::kDoWhile, flow.Run().list.ParamsAt(2));
+        EXPECT_EQ(flow.View().test.ifFlag, 0) << item;  // of the DO_WHILE
+        EXPECT_EQ(flow.Run().pc, 4) << item;            // as doFlag was
     }
-    int Roll(int sides) { return static_cast<int>(random_() % static_cast<unsigned>(sides)); }
-
-    void Block(int depth, bool inNumberedLoop) {
-        const int commands = 1 + Roll(4);
-        for (int i = 0; i < commands; ++i) {
-            const int kind = depth >= 4 ? 0 : Roll(5);
-            // Counter J is the loops' own; A to E are played with.
-            if (kind <= 1) {
-                Add(names::kCounter,
-                    "3,1," + std::to_string(1 + Roll(3)) + "," + std::to_string(Roll(5)) + ",");
-            } else if (kind == 2) {
-                Add(names::kIfCondition, Condition());
-                Block(depth + 1, inNumberedLoop);
-                Add(names::kIfEnd);
-                // An ELSE body ends at the next ELSE_END, so it holds no other ELSE.
-                if (Roll(2) == 0) {
-                    Add(names::kElseStart);
-                    Add(names::kCounter, AddOne(Roll(5)));
-                    Add(names::kElseEnd);
-                }
-            } else if (kind == 3) {
-                // A loop that ends: while counter J of this depth is below a bound.
-                Add(names::kCounter, "3,0,0," + std::to_string(6 + depth % 4) + ",");
-                Add(names::kDoWhile, "5," + std::to_string(13 + depth % 4) + ",1," +
-                                         std::to_string(Roll(3)) + ".0,0,0,");
-                Block(depth + 1, inNumberedLoop);
-                Add(names::kCounter, AddOne(6 + depth % 4));
-                Add(names::kDoEnd);
-            } else if (!inNumberedLoop) {
-                Add(names::kLoopStart, "1," + std::to_string(Roll(4)) + ",");
-                Block(depth + 1, true);
-                Add(names::kLoopEnd);
-            }
-        }
-    }
-
-    std::string Condition() {
-        return "5," + std::to_string(4 + Roll(5)) + "," + std::to_string(Roll(5)) + "," +
-               std::to_string(Roll(8)) + ".5,0,0,";
-    }
-
-    bool Holds(const std::string& params) const {
-        const auto f = script::ParseParams(params);
-        const int item = f.Integer(0);
-        const int counter = item <= 8 ? item - 4 : item - 7;
-        const int x = counters_[static_cast<std::size_t>(counter)];
-        const int value = static_cast<int>(f.Real(2));
-        switch (f.Integer(1)) {
-            case 0:
-                return x > value;
-            case 1:
-                return x < value;
-            case 2:
-                return x == value;
-            case 3:
-                return x >= value;
-            default:
-                return x <= value;
-        }
-    }
-
-    /// The end of the block that begins at `begin`.
-    int EndOf(int begin, std::string_view starter, std::string_view ender) const {
-        int level = 0;
-        for (int i = begin;; ++i) {
-            const std::string& name = list[static_cast<std::size_t>(i)].first;
-            if (name == starter) ++level;
-            if (name == ender && --level == 0) return i;
-        }
-    }
-
-    void Interpret(int from, int to) {
-        for (int i = from; i < to; ++i) {
-            const auto& [name, params] = list[static_cast<std::size_t>(i)];
-            expected_.push_back(i);
-            if (name == names::kCounter) {
-                const auto f = script::ParseParams(params);
-                auto& counter = counters_[static_cast<std::size_t>(f.Integer(2))];
-                counter = (f.Is(0, "0") ? 0 : counter) + f.Integer(1);
-            } else if (name == names::kIfCondition) {
-                const int end = EndOf(i, names::kIfCondition, names::kIfEnd);
-                const bool hasElse =
-                    end + 1 < to &&
-                    list[static_cast<std::size_t>(end) + 1].first == names::kElseStart;
-                const int elseEnd =
-                    hasElse ? EndOf(end + 1, names::kElseStart, names::kElseEnd) : end;
-                if (Holds(params)) {
-                    Interpret(i + 1, end);
-                    expected_.push_back(end);
-                } else if (hasElse) {
-                    expected_.push_back(end + 1);
-                    Interpret(end + 2, elseEnd);
-                    expected_.push_back(elseEnd);
-                }
-                i = elseEnd;
-            } else if (name == names::kDoWhile) {
-                const int end = EndOf(i, names::kDoWhile, names::kDoEnd);
-                while (Holds(params)) {
-                    Interpret(i + 1, end);
-                    expected_.push_back(end);
-                    expected_.push_back(i);
-                }
-                i = end;
-            } else if (name == names::kLoopStart) {
-                const int end = EndOf(i, names::kLoopStart, names::kLoopEnd);
-                const int passes = std::max(1, script::ParseParams(params).Integer(0));
-                for (int pass = 0; pass < passes; ++pass) {
-                    Interpret(i + 1, end);
-                    expected_.push_back(end);
-                }
-                i = end;
-            }
-        }
-    }
-
-    std::mt19937 random_;
-    std::array<int, 10> counters_{};
-    std::vector<int> expected_;
-};
-
-TEST(FlowRun, RandomNestingsRunAsPlainRecursionWould) {
-    int longest = 0;
-    for (std::uint32_t seed = 1; seed <= 500; ++seed) {
-        Nesting nesting(seed);
-        if (nesting.list.size() > 400) continue;
-        const std::vector<int> expected = nesting.Expected();
-        if (expected.size() > 50'000) continue;
-        FlowRunner flow(nesting.list);
-        flow.Walk(200'000);
-        ASSERT_EQ(flow.trace, expected) << "seed " << seed;
-        longest = std::max(longest, static_cast<int>(expected.size()));
-    }
-    EXPECT_GT(longest, 200);
 }
 
 }  // namespace

@@ -45,8 +45,8 @@ void CheckAllTurns(Size size) {
 TEST(QuickRotate, GivesThePixelsOfThePlainLoop) {
     for (int width = 1; width <= 40; ++width)
         for (int height = 1; height <= 40; ++height) CheckAllTurns({width, height});
-    for (const Size size :
-         {Size{257, 131}, Size{64, 200}, Size{1, 1000}, Size{1000, 1}, Size{333, 334}})
+    for (const Size size : {Size{257, 131}, Size{64, 200}, Size{1, 1000}, Size{1000, 1},
+                            Size{333, 334}, Size{71, 1101}})
         CheckAllTurns(size);
 }
 

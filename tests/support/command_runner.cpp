@@ -1,5 +1,6 @@
 #include "support/command_runner.h"
 
+#include "engine/branch_tables.h"
 #include "engine/dispatch.h"
 
 namespace lumo::test {
@@ -15,6 +16,7 @@ engine::Outcome CommandRunner::ExecuteInRun(const engine::Command& command,
     run.list.Add(command.spec.name, params);
     run.runCount = 1;
     run.nextPc[0] = 1;
+    run.loopsAround = engine::LoopsAroundCalls(run.list);
     run.pc = 0;
     run.mode = engine::RunMode::Batch;
     run.inRun = true;

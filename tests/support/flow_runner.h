@@ -28,6 +28,7 @@ class FlowRunner {
         if (run.endIdx < 0) run.endIdx = run.runCount;  // a list that is all inside the loop
         if (run.startIdx < 0) run.startIdx = run.runCount;
         engine::BuildTables({run.list, run.startIdx, run.endIdx}, run.nextPc, run.branchPc);
+        run.loopsAround = engine::LoopsAroundCalls(run.list);
         run.imageIndex = 0;
         run.imageCount = 1;
     }

@@ -173,13 +173,12 @@ def old_photo():
 def sharpen_for_web():
     return script(
         start(),
-        info("Sharpen for the web: small files", "are left out with a line in the", "log, large ones are reduced and",
-             "sharpened more than those of the", "right size, dark ones are", "brightened.",
+        info("Sharpen for the web: small files", "are left out with a line in the", "log, large ones go to the",
+             "subroutine Web-fit, the others", "are sharpened a little, dark ones", "are brightened.",
              "Output: out\\Sharpened"),
         when(PIXELS, BELOW, 40000.0, [log_comment("$(filename): too small for the web, $(size)"),
                                       leave_image()]),
-        when(PIXELS, ABOVE, 1200000.0, [fit(1280, 1280), unsharp(0.8, 120, 2)],
-             [unsharp(0.5, 60, 2)]),
+        when(PIXELS, ABOVE, 1200000.0, [call("Web-fit")], [unsharp(0.5, 60, 2)]),
         when(BRIGHTNESS, BELOW, 75.0, [gamma(1.15)]),
         output("Sharpened"),
         end())

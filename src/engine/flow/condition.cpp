@@ -1,15 +1,16 @@
 #include "engine/flow/condition.h"
 
 #include <array>
-#include <cmath>
 #include <limits>
 
 #include "imaging/measures.h"
+#include "imaging/truncate.h"
 
 namespace lumo::engine::flow {
 namespace {
 
 using namespace script;
+using imaging::Truncate;
 
 constexpr std::string_view kItemNames[] = {"Aspect ratio (width/height)",
                                            "Width (pixels)",
@@ -35,10 +36,6 @@ constexpr std::array kFields{Choice("Item", "0", kItemNames), Choice("Test", "0"
                              Real("Value", "1.0"), Real("Upper value", "2.0"),
                              Flag("Range check only", "0")};
 
-int Code(const Fields& fields, int field) {
-    return fields.Integer(field);
-}
-
 template <class T>
 std::optional<bool> Compare(int test, T x, T value) {
     switch (test) {
@@ -57,14 +54,6 @@ std::optional<bool> Compare(int test, T x, T value) {
     }
 }
 
-/// Toward zero, and to the nearest end of the range.
-std::int32_t Truncate(double value) {
-    constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
-    constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
-    if (std::isnan(value)) return 0;
-    return static_cast<std::int32_t>(std::fmin(std::fmax(value, kLowest), kHighest));
-}
-
 std::optional<std::size_t> CounterOf(int item) {
     if (item >= kFirstCounterAToE && item < kFirstCounterAToE + 5)
         return static_cast<std::size_t>(item - kFirstCounterAToE);
@@ -73,14 +62,13 @@ std::optional<std::size_t> CounterOf(int item) {
     return std::nullopt;
 }
 
-/// Measures that are compared as doubles. Without a picture the aspect ratio is 0 / 0, which no
-/// test accepts.
+/// Measures that are compared as doubles. Without a picture the aspect ratio is infinite.
 std::optional<double> Measure(const CLumoscriptView& view, int item) {
     const imaging::ConstImageView image = view.working.main.View();
     const double width = image.Width(), height = image.Height();
     switch (item) {
         case kAspectRatio:
-            return width / height;
+            return image.IsEmpty() ? std::numeric_limits<double>::infinity() : width / height;
         case kWidth:
             return width;
         case kHeight:
@@ -108,9 +96,9 @@ std::string ConditionPanel(const Fields& fields) {
                    ? std::string(names[static_cast<std::size_t>(code)])
                    : std::string("unknown");
     };
-    std::string text = nameOf(kItemNames, Code(fields, kItem)) + "\n";
+    std::string text = nameOf(kItemNames, fields.Integer(kItem)) + "\n";
     if (fields.Is(kRangeForm, "0"))
-        return text + nameOf(kTestNames, Code(fields, kTest)) + "\n" + fields.Text(kLowerValue) +
+        return text + nameOf(kTestNames, fields.Integer(kTest)) + "\n" + fields.Text(kLowerValue) +
                "\n";
     return text + "Range: above " + fields.Text(kLowerValue) + "\nup to " +
            fields.Text(kUpperValue) + "\n";
@@ -121,8 +109,8 @@ bool IsMeasuredItem(int item) {
 }
 
 std::optional<bool> EvaluateCondition(const CLumoscriptView& view, const Fields& fields) {
-    const int item = Code(fields, kItem);
-    const int test = Code(fields, kTest);
+    const int item = fields.Integer(kItem);
+    const int test = fields.Integer(kTest);
     const double lower = fields.Real(kLowerValue), upper = fields.Real(kUpperValue);
     const bool range = !fields.Is(kRangeForm, "0");
 

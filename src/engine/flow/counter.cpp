@@ -16,13 +16,13 @@ constexpr std::string_view kActions[] = {"Reset to value", "Add value"};
 constexpr std::string_view kCounterNames[] = {"Counter A", "Counter B", "Counter C", "Counter D",
                                               "Counter E", "Counter F", "Counter G", "Counter H",
                                               "Counter I", "Counter J"};
-constexpr std::array kFields{Choice("Action", "0", kActions),
-                             script::Integer("Value", "0").Clamp(-1'000'000, 1'000'000),
+constexpr std::array kFields{Choice("Action", "0", kActions), script::Integer("Value", "0"),
                              Choice("Counter", "0", kCounterNames)};
 constexpr std::string_view kActionLines[] = {"Reset counter to value", "Add value to counter"};
 constexpr std::array kPanel{OneOf(kCounter, kCounterNames), OneOf(kAction, kActionLines),
                             script::Value(kValue, "Value: ")};
-constexpr DialogSpec kDialog{.title = "Counter (reset or increment)"};
+constexpr DialogSpec kDialog{.title = "Reset or increment Counter",
+                             .helpTopic = "Counterresetorincrement"};
 
 Outcome RunCounter(CLumoscriptView& view, const Fields& fields) {
     const std::string& code = fields.Text(kCounter);

@@ -18,12 +18,8 @@ constexpr script::DialogSpec kLoopDialog{.title = "Loop Start (by number)",
                                          .helpTopic = "LoopStartEndbynumber"};
 constexpr script::DialogSpec kInfoDialog{.title = "Script info", .helpTopic = "Scriptinfo"};
 
-constexpr std::array kLoopFields{script::Integer("Number of loops", "1").Clamp(1, 1'000'000)};
+constexpr std::array kLoopFields{script::Integer("Number of loops", "1")};
 constexpr std::array kLoopPanel{script::Value(0, "Number of loops: ")};
-
-std::size_t Index(int pc) {
-    return static_cast<std::size_t>(pc);
-}
 
 void EvaluateDo(CLumoscriptView& view, const Fields& fields) {
     const auto result = EvaluateCondition(view, fields);
@@ -105,11 +101,10 @@ Outcome RunExit(CLumoscriptView& view, const Fields&) {
     RunState& run = view.run;
     TestWalk& test = view.test;
     if (run.inRun) {
-        // Behind the loop (in a subroutine that a picture's commands have called) the next picture
-        // is still wanted while the loop lasts.
-        const bool calledFromLoop =
-            run.pc > run.endIdx && run.stackIndex > 0 && run.imageIndex >= 0 && !run.imageLoopOver;
-        if (calledFromLoop)
+        // Behind the loop, in a subroutine that was called, the next picture is still wanted until
+        // the list is used up.
+        const bool called = run.pc > run.endIdx && run.stackIndex > 0;
+        if (called && !run.imageLoopOver)
             run.pc = run.startIdx;
         else
             StepNext(run);

@@ -4,6 +4,7 @@
 
 #include "engine/branch_tables.h"
 #include "engine/flow/flow_commands.h"
+#include "engine/subroutines.h"
 #include "script/names.h"
 
 namespace lumo::engine::flow {
@@ -22,10 +23,6 @@ constexpr std::array kNamePanel{script::Value(0, "Subroutine: ")};
 /// Beyond this index the calls are too deep.
 constexpr int kDeepestStackIndex = 2360;
 
-std::size_t Index(int pc) {
-    return static_cast<std::size_t>(pc);
-}
-
 void Push(RunState& run, std::int32_t word) {
     // The depth test follows each frame, so that a frame finds room; a frame with hundreds of
     // enclosing loops may not.
@@ -40,35 +37,18 @@ std::int32_t Pop(RunState& run) {
     return word;
 }
 
-/// Calls `visit` with the place of every Loop End, from the call to the end of its subroutine,
-/// that belongs to a loop opened before the call.
-template <class Visit>
-void ForEnclosingLoops(const RunState& run, Visit visit) {
-    int starts = 0, ends = 0;
-    for (int i = run.pc; i < run.list.Count(); ++i) {
-        const std::string& name = run.list.NameAt(i);
-        if (name == names::kSubroutineEnd) break;
-        if (name == names::kLoopStart) ++starts;
-        if (name == names::kLoopEnd && ++ends > starts) {
-            visit(i);
-            --ends;
-        }
-    }
-}
-
 /// Counters, then the enclosing loops with what remains of them, their number, and the place to
 /// return to.
 void PushFrame(CLumoscriptView& view) {
     RunState& run = view.run;
     const int caller = run.pc;
     for (const std::int32_t counter : view.counters) Push(run, counter);
-    int loops = 0;
-    ForEnclosingLoops(run, [&](int loopEnd) {
+    const std::vector<std::int32_t>& loopEnds = run.loopsAround[Index(caller)];
+    for (const std::int32_t loopEnd : loopEnds) {
         Push(run, run.branchPc[Index(loopEnd)]);
         Push(run, loopEnd);
-        ++loops;
-    });
-    Push(run, loops);
+    }
+    Push(run, static_cast<std::int32_t>(loopEnds.size()));
     Push(run, caller + 1);
 }
 
@@ -94,10 +74,7 @@ Outcome CallInTest(CLumoscriptView& view, const std::string& name) {
     TestWalk& test = view.test;
     const script::Script& script = view.script.commands;
     bool found = false;
-    for (int i = 0; i < script.Count(); ++i) {
-        if (script.NameAt(i) != names::kSubroutineStart ||
-            script::ParseParams(script.ParamsAt(i)).Text(0) != name)
-            continue;
+    for (int i = FindSubroutine(script, name); i >= 0; i = FindSubroutine(script, name, i + 1)) {
         // A name defined twice is entered at its last definition, with two returns.
         found = true;
         test.subReturnList.push_back(test.testPc);

@@ -61,15 +61,18 @@ CropParams ReadCrop(const Fields& fields) {
             fields.Integer(kRight), fields.Is(kUnits, "1"),  fields.Is(kMeasured, "1")};
 }
 
+// A rectangle cut down to what an int holds still lies outside of the picture.
+Rect RectOf(const CropFrame& frame) {
+    return {ToInt(frame.left), ToInt(frame.top), ToInt(frame.right), ToInt(frame.bottom)};
+}
+
 Outcome RunCrop(CLumoscriptView& view, const Fields& fields) {
     const ConstImageView source = std::as_const(view.working.main).View();
     const auto keep = CropRect(source.Extent(), ReadCrop(fields));
     if (!keep) return Outcome::Failed;
     auto target = CreateTarget(view, keep->Width(), keep->Height(), "Cmd_23 Crop: memory failure");
     if (!target) return Outcome::Failed;
-    // A rectangle cut down to what an int holds still lies outside of the picture.
-    const Rect rect{ToInt(keep->left), ToInt(keep->top), ToInt(keep->right), ToInt(keep->bottom)};
-    const bool ok = imaging::CropImage(source, rect, target->View());
+    const bool ok = imaging::CropImage(source, RectOf(*keep), target->View());
     if (!ok) {
         OnCommandFailure(view, "Cmd_23 Crop L14588: ", LibraryError::Append);
         Clear(target->View());
@@ -80,14 +83,8 @@ Outcome RunCrop(CLumoscriptView& view, const Fields& fields) {
 
 // The preview shows where the cut falls rather than the cut picture.
 Image PreviewCrop(ConstImageView before, Size sample, const Fields& fields) {
-    Image after = OrUnchanged(std::nullopt, before);
     const auto keep = CropRect(sample, ReadCrop(fields));
-    if (keep && !after.IsEmpty())
-        MarkCut(after.View(), {ScaleLength(ToInt(keep->left), before.Width(), sample.width),
-                               ScaleLength(ToInt(keep->top), before.Height(), sample.height),
-                               ScaleLength(ToInt(keep->right), before.Width(), sample.width),
-                               ScaleLength(ToInt(keep->bottom), before.Height(), sample.height)});
-    return after;
+    return keep ? MarkCut(before, sample, RectOf(*keep)) : OrUnchanged(std::nullopt, before);
 }
 
 }  // namespace

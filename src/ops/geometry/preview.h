@@ -22,8 +22,9 @@ imaging::Image OrUnchanged(std::optional<imaging::Image> preview, imaging::Const
 std::optional<imaging::Image> TryCanvas(std::int64_t width, std::int64_t height,
                                         imaging::Rgb colour);
 
-/// Shows what a crop to that rectangle takes away: everything outside loses half of its brightness,
-/// and the outermost pixels that stay are inverted. Rectangles may reach beyond the picture.
-void MarkCut(imaging::ImageView picture, imaging::Rect keep);
+/// Shows what a crop of the sample to that rectangle takes away, at the scale of the preview:
+/// everything outside loses half of its brightness, and the outermost pixels that stay are
+/// inverted. Rectangles may reach beyond the picture. No image if the memory for it cannot be had.
+imaging::Image MarkCut(imaging::ConstImageView before, imaging::Size sample, imaging::Rect keep);
 
 }  // namespace lumo::ops::geometry

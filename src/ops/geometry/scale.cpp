@@ -5,8 +5,8 @@
 #include <string>
 
 #include "imaging/resample.h"
+#include "imaging/truncate.h"
 #include "ops/geometry/sizing_algorithm.h"
-#include "ops/geometry/truncate.h"
 #include "script/names.h"
 
 namespace lumo::ops::geometry {
@@ -14,7 +14,7 @@ namespace {
 
 using namespace engine;
 using namespace script;
-using imaging::Image, imaging::Size;
+using imaging::Image, imaging::Size, imaging::Truncate;
 
 enum Field { kAspect, kMethod, kWidth, kHeight, kSizing, kGivenSide };
 

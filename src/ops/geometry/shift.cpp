@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "imaging/compose.h"
+#include "imaging/parallel.h"
 #include "ops/colour_fields.h"
 #include "ops/geometry/geometry_commands.h"
 #include "ops/geometry/preview.h"
@@ -115,12 +116,25 @@ Image PreviewShift(ConstImageView before, Size sample, const Fields& fields) {
     return OrUnchanged(std::move(after), before);
 }
 
-// Copies `from` of the source to `to`, which has the same size, in the target.
-void CopyRect(ConstImageView source, Rect from, Rect to, ImageView target) {
-    if (from.Extent().IsEmpty()) return;
-    const std::size_t bytes = imaging::StrideOf(from.Extent());
-    for (int y = 0; y < from.Extent().height; ++y)
-        std::memcpy(target.At(to.left, to.top + y), source.At(from.left, from.top + y), bytes);
+// Bytes that are copied from one place of a row, or of the whole picture, to another.
+struct Span {
+    std::size_t from = 0, to = 0, bytes = 0;
+};
+
+// Both parts of a row before the next one, so that a row is read and written once.
+void MoveColumns(ConstImageView source, const Span& staying, const Span& leaving,
+                 ImageView target) {
+    imaging::ForRows(source.Height(), 2 * source.Stride(), [&](int first, int last) {
+        for (int y = first; y < last; ++y)
+            for (const Span& span : {staying, leaving})
+                std::memcpy(target.Row(y) + span.to, source.Row(y) + span.from, span.bytes);
+    });
+}
+
+// Whole rows lie in one run.
+void MoveRows(ConstImageView source, const Span& staying, const Span& leaving, ImageView target) {
+    for (const Span& span : {staying, leaving})
+        std::memcpy(target.Bytes().data() + span.to, source.Bytes().data() + span.from, span.bytes);
 }
 
 }  // namespace
@@ -141,31 +155,23 @@ Rect OpeningOf(Size size, Direction direction, int distance) {
 
 void ShiftImage(ConstImageView source, Direction direction, int distance, bool wrap,
                 ImageView target) {
-    const Size size = source.Extent();
-    const int width = size.width, height = size.height;
+    const bool sideways = direction == Direction::Left || direction == Direction::Right;
+    const std::size_t unit = sideways ? std::size_t{imaging::kChannels} : source.Stride();
+    const std::size_t whole =
+        static_cast<std::size_t>(SideAlong(source.Extent(), direction)) * unit;
+    const std::size_t moved = static_cast<std::size_t>(distance) * unit;
     // What stays goes from the side that the picture leaves to the one that it moves to.
-    Rect from{0, 0, width, height}, to = from;
-    Rect leaving = from;
-    switch (direction) {
-        case Direction::Up:
-            from.top = leaving.bottom = distance;
-            to.bottom = height - distance;
-            break;
-        case Direction::Down:
-            from.bottom = leaving.top = height - distance;
-            to.top = distance;
-            break;
-        case Direction::Right:
-            from.right = leaving.left = width - distance;
-            to.left = distance;
-            break;
-        case Direction::Left:
-            from.left = leaving.right = distance;
-            to.right = width - distance;
-            break;
+    const bool toFront = direction == Direction::Left || direction == Direction::Up;
+    Span staying{moved, 0, whole - moved}, leaving{0, whole - moved, moved};
+    if (!toFront) {
+        staying = {0, moved, whole - moved};
+        leaving = {whole - moved, 0, moved};
     }
-    CopyRect(source, from, to, target);
-    if (wrap) CopyRect(source, leaving, OpeningOf(size, direction, distance), target);
+    if (!wrap) leaving.bytes = 0;
+    if (sideways)
+        MoveColumns(source, staying, leaving, target);
+    else
+        MoveRows(source, staying, leaving, target);
 }
 
 const Command kShiftImageCommand{.spec = {.name = names::kShiftImage,

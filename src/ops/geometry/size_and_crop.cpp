@@ -5,8 +5,9 @@
 
 #include "imaging/crop.h"
 #include "imaging/resample.h"
+#include "imaging/truncate.h"
+#include "ops/geometry/preview.h"
 #include "ops/geometry/sizing_algorithm.h"
-#include "ops/geometry/truncate.h"
 #include "script/names.h"
 
 namespace lumo::ops::geometry {
@@ -14,7 +15,7 @@ namespace {
 
 using namespace engine;
 using namespace script;
-using imaging::Image, imaging::Size;
+using imaging::ConstImageView, imaging::Image, imaging::Size, imaging::Truncate;
 
 enum Field { kWidth, kHeight, kSizing };
 
@@ -25,6 +26,10 @@ const std::array kFields{Integer("Width", "128").Clamp(20, 12000),
 constexpr DialogSpec kDialog{.title = "Size and crop (absolute size)",
                              .windowState = "WS77",
                              .helpTopic = "Sizeandcropabsolute"};
+
+Size TargetOf(const Fields& fields) {
+    return {fields.Integer(kWidth), fields.Integer(kHeight)};
+}
 
 /// Cuts the working image; false if the memory cannot be had. A refused copy is reported, and the
 /// new picture is taken over all the same.
@@ -43,7 +48,7 @@ bool CutMainImage(CLumoscriptView& view, const ProportionalCut& cut) {
 
 Outcome RunSizeAndCrop(CLumoscriptView& view, const Fields& fields) {
     const Size source = view.working.main.Extent();
-    const Size target{fields.Integer(kWidth), fields.Integer(kHeight)};
+    const Size target = TargetOf(fields);
     // The fallback of decimation looks at the picture as it came in, before the cut.
     const int code = SizingCode(SizingTable::SizeAndCrop, fields.Text(kSizing), source, target);
     if (target == source) return Outcome::Succeeded;
@@ -67,6 +72,12 @@ Outcome RunSizeAndCrop(CLumoscriptView& view, const Fields& fields) {
     }
     ReplaceMainImage(view, std::move(*scaled));
     return Outcome::Succeeded;
+}
+
+// The preview shows where the cut falls rather than the cut picture.
+Image PreviewSizeAndCrop(ConstImageView before, Size sample, const Fields& fields) {
+    const auto cut = CutToProportions(sample, TargetOf(fields));
+    return cut ? MarkCut(before, sample, cut->keep) : OrUnchanged(std::nullopt, before);
 }
 
 std::string SizeAndCropPanel(const Fields& fields) {
@@ -101,6 +112,7 @@ const Command kSizeAndCropCommand{.spec = {.name = names::kSizeAndCrop,
                                            .panelText = SizeAndCropPanel,
                                            .dialog = &kDialog},
                                   .opening = openings::kStandard,
-                                  .run = RunSizeAndCrop};
+                                  .run = RunSizeAndCrop,
+                                  .preview = PreviewSizeAndCrop};
 
 }  // namespace lumo::ops::geometry

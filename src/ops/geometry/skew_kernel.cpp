@@ -1,7 +1,11 @@
+#include <hwy/cache_control.h>
+
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
+#include <functional>
+#include <span>
+#include <vector>
 
 #include "imaging/parallel.h"
 #include "ops/geometry/skew.h"
@@ -13,9 +17,13 @@ using imaging::ConstImageView;
 using imaging::ImageView;
 using imaging::kChannels;
 
-// Columns that are worked on together, so that what one row of the target reads is still in the
-// cache when the next one reads beside it.
-constexpr int kStripWidth = 256;
+// Pieces that are worked on together: each reads from a row of its own, and what one row of the
+// target reads of them is still in the cache when the next one reads beside it.
+constexpr std::size_t kStripPieces = 256;
+
+constexpr int kBlock = 16;             // bytes copied at once
+constexpr int kRowsAhead = 8;          // the pixels to come are asked for so many rows before,
+constexpr int kPrefetchedPixels = 16;  // so many at once: within a cache line
 
 // Displacement of column or row `index` of `count`. With a single one there is nothing to divide
 // by: it stays where it is.
@@ -31,40 +39,70 @@ void SkewRows(ConstImageView source, const SkewParams& params, ImageView target)
     }
 }
 
-// Columns [first, last) of the source into the rows of the target from `top` to `bottom`.
-void SkewColumns(ConstImageView source, const SkewParams& params, int first, int last, int top,
-                 int bottom, ImageView target) {
-    const int count = last - first, height = source.Height();
-    std::array<std::int64_t, kStripWidth> starts;     // row of the target where a column begins
-    std::array<std::ptrdiff_t, kStripWidth> offsets;  // from there back to its pixel in row 0
-    for (int i = 0; i < count; ++i) {
-        const auto index = static_cast<std::size_t>(i);
-        starts[index] = Displacement(params, first + i, source.Width());
-        offsets[index] = std::ptrdiff_t{kChannels} * (first + i) -
-                         static_cast<std::ptrdiff_t>(starts[index]) *
-                             static_cast<std::ptrdiff_t>(source.Stride());
+// Neighbouring columns that are displaced alike: of each row of the source they are one run.
+struct Piece {
+    std::ptrdiff_t offset = 0;  // from a row of the target in the source's stride to their pixels
+    std::int64_t start = 0;     // row of the target where the columns begin
+    int first = 0;
+    int bytes = 0;
+    bool asksAhead = false;  // one piece in a cache line asks for the pixels to come
+};
+
+std::vector<Piece> PiecesOf(ConstImageView source, const SkewParams& params) {
+    std::vector<Piece> pieces;
+    for (int x = 0; x < source.Width(); ++x) {
+        const std::int64_t start = Displacement(params, x, source.Width());
+        if (pieces.empty() || pieces.back().start != start)
+            pieces.push_back(
+                {std::ptrdiff_t{kChannels} * x - static_cast<std::ptrdiff_t>(start) *
+                                                     static_cast<std::ptrdiff_t>(source.Stride()),
+                 start, x});
+        pieces.back().bytes += kChannels;
+        pieces.back().asksAhead |= x % kPrefetchedPixels == 0;
     }
-    // The starts rise or fall from column to column, so those with a pixel in row y are neighbours.
-    const auto* const begin = starts.data();
-    const auto* const end = begin + count;
+    return pieces;
+}
+
+// Copies a run; up to kBlock - 1 bytes behind it are written with what lies behind its pixels.
+void CopyBlocks(const std::uint8_t* from, int bytes, std::uint8_t* to) {
+    if (bytes <= 4) {
+        std::memcpy(to, from, 4);
+        return;
+    }
+    for (int done = 0; done < bytes; done += kBlock) std::memcpy(to + done, from + done, kBlock);
+}
+
+// A strip of neighbouring pieces into the rows of the target from `top` to `bottom`.
+void SkewStrip(ConstImageView source, std::span<const Piece> strip, bool falling, int top,
+               int bottom, ImageView target) {
+    const int height = source.Height();
+    const auto stride = static_cast<std::ptrdiff_t>(source.Stride());
+    const std::uint8_t* const pixels = source.Bytes().data();
+    // The starts rise or fall from piece to piece, so those with pixels in row y are neighbours.
     for (int y = top; y < bottom; ++y) {
-        const auto begun = [&](std::int64_t start) { return start <= y; };
-        const auto ended = [&](std::int64_t start) { return start + height <= y; };
-        const auto* from = params.negative ? std::partition_point(begin, end, ended)
-                                           : std::partition_point(begin, end, std::not_fn(begun));
-        const auto* const to = params.negative
-                                   ? std::partition_point(from, end, begun)
-                                   : std::partition_point(from, end, std::not_fn(ended));
+        const auto begun = [&](const Piece& piece) { return piece.start <= y; };
+        const auto ended = [&](const Piece& piece) { return piece.start + height <= y; };
+        const auto from =
+            falling ? std::partition_point(strip.begin(), strip.end(), ended)
+                    : std::partition_point(strip.begin(), strip.end(), std::not_fn(begun));
+        const auto to = falling ? std::partition_point(from, strip.end(), begun)
+                                : std::partition_point(from, strip.end(), std::not_fn(ended));
         if (from == to) continue;
-        const std::uint8_t* const row =
-            source.Bytes().data() +
-            static_cast<std::ptrdiff_t>(y) * static_cast<std::ptrdiff_t>(source.Stride());
-        std::uint8_t* out = target.At(first + static_cast<int>(from - begin), y);
-        const std::ptrdiff_t* offset = offsets.data() + (from - begin);
-        const std::ptrdiff_t* const lastOffset = offsets.data() + (to - begin) - 1;
-        // Four bytes at once but for the last pixel: the fourth is overwritten by the next one.
-        for (; offset != lastOffset; ++offset, out += kChannels) std::memcpy(out, row + *offset, 4);
-        std::memcpy(out, row + *offset, kChannels);
+        const std::ptrdiff_t row = y * stride;
+        std::uint8_t* out = target.At(from->first, y);
+        int left = ((to - 1)->first - from->first) * kChannels + (to - 1)->bytes;
+        for (auto piece = from; piece != to; ++piece) {
+            if (piece->asksAhead && y + kRowsAhead < piece->start + height)
+                hwy::Prefetch(pixels + (row + piece->offset + kRowsAhead * stride));
+            left -= piece->bytes;
+            // What a block writes behind its piece is written again by the next pieces.
+            if (left >= kBlock)
+                CopyBlocks(pixels + (row + piece->offset), piece->bytes, out);
+            else
+                std::memcpy(out, pixels + (row + piece->offset),
+                            static_cast<std::size_t>(piece->bytes));
+            out += piece->bytes;
+        }
     }
 }
 
@@ -84,10 +122,13 @@ SkewParams SkewOf(imaging::Size source, int horizontalDegrees, int verticalDegre
 
 void SkewImage(ConstImageView source, const SkewParams& params, ImageView target) {
     if (!params.vertical) return SkewRows(source, params, target);
+    const std::vector<Piece> pieces = PiecesOf(source, params);
     imaging::ForRows(target.Height(), target.Stride(), [&](int top, int bottom) {
-        for (int first = 0; first < source.Width(); first += kStripWidth)
-            SkewColumns(source, params, first, std::min(first + kStripWidth, source.Width()), top,
-                        bottom, target);
+        for (std::size_t first = 0; first < pieces.size(); first += kStripPieces)
+            SkewStrip(
+                source,
+                std::span(pieces).subspan(first, std::min(kStripPieces, pieces.size() - first)),
+                params.negative, top, bottom, target);
     });
 }
 

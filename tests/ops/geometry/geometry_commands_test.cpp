@@ -5,6 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "imaging/parallel.h"
+#include "ops/geometry/scale.h"
+#include "ops/geometry/size_and_crop.h"
 #include "script/catalogue.h"
 #include "script/names.h"
 #include "script/schema.h"
@@ -14,6 +17,7 @@ namespace lumo::ops::geometry {
 namespace {
 
 namespace names = script::names;
+using testing::ElementsAre;
 using testing::StartsWith;
 
 struct Row {
@@ -67,6 +71,91 @@ TEST(GeometryCommands, AreFoundByNameAndTitledAsTheirDialogs) {
         EXPECT_EQ(engine::FindCommand(row.name), &row.command) << row.name;
         EXPECT_EQ(row.command.spec.dialog->title, row.title);
         EXPECT_EQ(row.command.spec.dialog->windowState, row.windowState) << row.name;
+    }
+}
+
+struct Range {
+    const engine::Command& command;
+    int field;
+    double low, high;
+};
+
+const Range kRanges[] = {{kAddBorderCommand, 0, 0, 400},
+                         {kAddBorderCommand, 1, 0, 400},
+                         {kAddBorderCommand, 2, 0, 400},
+                         {kAddBorderCommand, 3, 0, 400},
+                         {kBorderFindAndCropCommand, 0, 0, 100},
+                         {kCanvasSizeCommand, 0, 20, 32767},
+                         {kCanvasSizeCommand, 1, 20, 32767},
+                         {kCropCommand, 0, 0, 10000},
+                         {kCropCommand, 1, 0, 10000},
+                         {kCropCommand, 2, 0, 10000},
+                         {kCropCommand, 3, 0, 10000},
+                         {kHorizontalPerspectiveCommand, 3, -100, 100},
+                         {kNewCanvasCommand, 0, 20, 32767},
+                         {kNewCanvasCommand, 1, 20, 32767},
+                         {kRotateSpecifyCommand, 3, 1, 359},
+                         {kShiftImageCommand, 2, 0, 10000},
+                         {kSizeAndCropCommand, 0, 20, 12000},
+                         {kSizeAndCropCommand, 1, 20, 12000},
+                         {kSkewCommand, 0, -45, 45},
+                         {kSkewCommand, 1, -45, 45},
+                         {kVerticalPerspectiveCommand, 3, -100, 100}};
+
+TEST(GeometryCommands, DialogsLimitTheirNumbers) {
+    for (const Range& range : kRanges) {
+        const script::FieldSpec& field =
+            range.command.spec.fields[static_cast<std::size_t>(range.field)];
+        EXPECT_EQ(field.low, range.low) << range.command.spec.name << " " << range.field;
+        EXPECT_EQ(field.high, range.high) << range.command.spec.name << " " << range.field;
+    }
+    // Colours are bytes, and every other number has a range.
+    for (const Row& row : kRows)
+        for (const script::FieldSpec& field : row.command.spec.fields) {
+            const bool colour = field.kind == script::FieldKind::Red ||
+                                field.kind == script::FieldKind::Green ||
+                                field.kind == script::FieldKind::Blue;
+            if (colour) {
+                EXPECT_EQ(field.low, 0) << row.name;
+                EXPECT_EQ(field.high, 255) << row.name;
+            } else if (field.kind == script::FieldKind::Integer) {
+                EXPECT_LT(field.low, field.high) << row.name;
+            }
+        }
+}
+
+TEST(GeometryCommands, PercentNarrowTheRangesOfCropAndShift) {
+    const script::FieldSpec& shift = kShiftImageCommand.spec.fields[2];
+    EXPECT_EQ(shift.whenField, 1);
+    EXPECT_EQ(shift.whenText, "1");
+    EXPECT_EQ(shift.whenLow, 0);
+    EXPECT_EQ(shift.whenHigh, 100);
+}
+
+TEST(GeometryCommands, LabelsAndChoicesAreThoseOfTheDialogs) {
+    const auto label = [](const engine::Command& command, std::size_t field) {
+        return command.spec.fields[field].label;
+    };
+    EXPECT_EQ(label(kBorderFindAndCropCommand, 4), "Auto detect border color");
+    EXPECT_EQ(label(kRotateSpecifyCommand, 3), "Rotate (degrees)");
+    EXPECT_EQ(label(kHorizontalPerspectiveCommand, 3), "-100 %  perspective 100%");
+    EXPECT_EQ(label(kVerticalPerspectiveCommand, 3), "-100 %  perspective 100%");
+    EXPECT_EQ(label(kShiftImageCommand, 3), "Wrap around (else fill with background color)");
+    EXPECT_EQ(label(kScaleCommand, 0), "Maintain aspect ratio (constrains proportions)");
+    EXPECT_THAT(kRotateQuarterCommand.spec.fields[0].names,
+                ElementsAre("Rotate 90", "Rotate 180", "Rotate 270"));
+    EXPECT_THAT(kRotateQuarterCommand.spec.fields[0].values, ElementsAre("90", "180", "270"));
+    EXPECT_THAT(kCropCommand.spec.fields[4].names, ElementsAre("Pixels", "Percent"));
+    EXPECT_THAT(kCropCommand.spec.fields[5].names, ElementsAre("From edges", "From center"));
+    EXPECT_THAT(kAddBorderCommand.spec.fields[7].names, ElementsAre("Pixels", "Percent"));
+    EXPECT_THAT(kScaleCommand.spec.fields[1].names,
+                ElementsAre("Absolute", "Relative", "Percentage"));
+    for (const engine::Command* command : {&kScaleCommand, &kSizeAndCropCommand}) {
+        const script::FieldSpec& sizing = command->spec.fields[command == &kScaleCommand ? 4 : 2];
+        EXPECT_THAT(sizing.names,
+                    ElementsAre("Bicubic resample", "Bilinear resample", "Nearest neighbor",
+                                "Decimate", "Lanczos3 filter", "Hermite filter", "Catrona filter"));
+        EXPECT_THAT(sizing.values, ElementsAre("3", "0", "1", "4", "13", "16", "18"));
     }
 }
 
@@ -147,6 +236,29 @@ TEST(GeometryCommands, TakeAnyFieldsOnAnySmallPicture) {
         const script::Fields fields = script::ParseParams(params);
         script::PanelText(row.command.spec, fields);
         row.command.preview(test::RandomImage({5, 4}, 6).View(), size, fields);
+    }
+}
+
+TEST(GeometryCommands, SeveralThreadsGiveTheSameBytes) {
+    std::vector<std::pair<const engine::Command*, std::string>> runs;
+    for (const Row& row : kRows) runs.emplace_back(&row.command, row.params);
+    for (const char* params : {"5,0,-40,1,2,3,", "5,0,3,1,2,3,"})
+        runs.emplace_back(&kSkewCommand, params);
+    for (const char* params : {"4,1,2,3,-70,", "4,1,2,3,100,"})
+        for (const auto* command : {&kHorizontalPerspectiveCommand, &kVerticalPerspectiveCommand})
+            runs.emplace_back(command, params);
+    for (const char* params : {"7,3,0,333,1,1,2,3,", "7,1,0,333,0,1,2,3,"})
+        runs.emplace_back(&kShiftImageCommand, params);
+    for (const auto& [command, params] : runs) {
+        test::CommandRunner alone(test::RandomImage({1500, 1100}, 8));
+        ASSERT_TRUE(alone.Run(*command, params));
+        imaging::SetKernelThreads(4);
+        test::CommandRunner shared(test::RandomImage({1500, 1100}, 8));
+        const bool ok = shared.Run(*command, params);
+        imaging::SetKernelThreads(1);
+        EXPECT_TRUE(ok);
+        EXPECT_TRUE(test::SamePixels(shared.Main(), alone.Main()))
+            << command->spec.name << " " << params;
     }
 }
 

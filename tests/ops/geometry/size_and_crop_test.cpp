@@ -125,6 +125,40 @@ TEST(SizeAndCropCommand, FailureOfTheResamplingItselfLeavesTheImageCut) {
     run({64, 128}, "Cmd_73 Scale L14010:   IS_error ");
 }
 
+TEST(SizeAndCropCommand, PreviewMarksTheCutAtItsOwnScale) {
+    const imaging::Image before = test::FlatImage({40, 20}, {100, 100, 100});
+    const auto shown = [&](std::string_view params) {
+        return kSizeAndCropCommand.preview(before.View(), {400, 200}, script::ParseParams(params));
+    };
+    // 200 of 400 columns stay, from 100 on.
+    const imaging::Image sides = shown("3,50,50,3,");
+    ASSERT_EQ(sides.Extent(), (Size{40, 20}));
+    EXPECT_EQ(sides.View().Pixel(9, 5), (imaging::Rgb{50, 50, 50}));
+    EXPECT_EQ(sides.View().Pixel(10, 5), (imaging::Rgb{155, 155, 155}));
+    EXPECT_EQ(sides.View().Pixel(20, 5), (imaging::Rgb{100, 100, 100}));
+    EXPECT_EQ(sides.View().Pixel(29, 5), (imaging::Rgb{155, 155, 155}));
+    EXPECT_EQ(sides.View().Pixel(30, 5), (imaging::Rgb{50, 50, 50}));
+    // Of the rows the middle half.
+    const imaging::Image rows = shown("3,400,100,3,");
+    EXPECT_EQ(rows.View().Pixel(20, 4), (imaging::Rgb{50, 50, 50}));
+    EXPECT_EQ(rows.View().Pixel(20, 5), (imaging::Rgb{155, 155, 155}));
+    EXPECT_EQ(rows.View().Pixel(20, 14), (imaging::Rgb{155, 155, 155}));
+    EXPECT_EQ(rows.View().Pixel(20, 15), (imaging::Rgb{50, 50, 50}));
+    EXPECT_TRUE(test::SamePixels(shown("3,0,50,3,"), before));  // refused: as before
+}
+
+TEST(SizeAndCropCommand, ARunGivesTheSizeThatTheFieldsName) {
+    for (const Size source : {Size{1, 1}, Size{5, 3}, Size{3, 5}, Size{41, 40}, Size{640, 7}})
+        for (const Size target : {Size{20, 20}, Size{33, 20}, Size{20, 77}, Size{1, 1}}) {
+            test::CommandRunner runner(test::RandomImage(source, 3));
+            const bool kept = CutToProportions(source, target).has_value();
+            const std::string params =
+                "3," + std::to_string(target.width) + "," + std::to_string(target.height) + ",3,";
+            EXPECT_EQ(runner.Run(kSizeAndCropCommand, params), kept);
+            EXPECT_EQ(runner.Main().Extent(), kept ? target : source);
+        }
+}
+
 TEST(SizeAndCropCommand, PanelAndFactoryString) {
     EXPECT_EQ(script::PanelText(kSizeAndCropCommand.spec, script::ParseParams("3,128,96,3,")),
               "Converted size (pixels)\nWidth: 128\nHeight: 96\nSizing: Bicubic resample\n");

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdint>
 
-namespace lumo::ops::geometry {
+namespace lumo::imaging {
 
 /// Toward zero, to the nearest end of the range; 0 for what is no number.
 inline std::int32_t Truncate(double value) {
@@ -11,4 +11,4 @@ inline std::int32_t Truncate(double value) {
     return static_cast<std::int32_t>(std::fmin(std::fmax(value, INT32_MIN), INT32_MAX));
 }
 
-}  // namespace lumo::ops::geometry
+}  // namespace lumo::imaging
