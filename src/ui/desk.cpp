@@ -2,6 +2,7 @@
 
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QRegularExpression>
 
 #include "platform/files.h"
 #include "ui/text.h"
@@ -38,6 +39,15 @@ std::optional<std::string> AskSavePath(const Desk& desk, const FileQuestion& que
                        FileFilter(question.filter));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(ToQt(question.extension));
+    // A name without an extension gets that of the kind of file that is chosen.
+    QObject::connect(
+        &dialog, &QFileDialog::filterSelected, &dialog, [&dialog](const QString& chosen) {
+            static const QRegularExpression firstPattern(QStringLiteral("\\(\\*\\.([^ )]+)"));
+            const QString pattern = firstPattern.match(chosen).captured(1);
+            static const QRegularExpression eitherCase(QStringLiteral("\\[(.).\\]"));
+            QString extension = pattern;
+            dialog.setDefaultSuffix(extension.replace(eitherCase, QStringLiteral("\\1")));
+        });
     if (!question.name.empty()) dialog.selectFile(ToQt(question.name));
     return Picked(dialog);
 }

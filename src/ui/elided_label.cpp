@@ -7,20 +7,27 @@
 
 namespace lumo::ui {
 
-ElidedLabel::ElidedLabel(QWidget* parent, Qt::TextElideMode mode) : QLabel(parent), mode_(mode) {
+ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
     setTextFormat(Qt::PlainText);
+}
+
+bool ElidedLabel::Fits(const QString& text) const {
+    return fontMetrics().horizontalAdvance(text) <= contentsRect().width();
 }
 
 void ElidedLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    style()->drawItemText(
-        &painter, contentsRect(), static_cast<int>(alignment()), palette(), isEnabled(),
-        fontMetrics().elidedText(text(), mode_, contentsRect().width()), foregroundRole());
+    QString shown = text();
+    if (!Fits(shown))
+        shown = !shortText_.isEmpty() && Fits(shortText_)
+                    ? shortText_
+                    : fontMetrics().elidedText(shown, Qt::ElideRight, contentsRect().width());
+    style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()), palette(),
+                          isEnabled(), shown, foregroundRole());
 }
 
 bool ElidedLabel::event(QEvent* event) {
-    if (event->type() == QEvent::ToolTip &&
-        fontMetrics().horizontalAdvance(text()) > contentsRect().width()) {
+    if (event->type() == QEvent::ToolTip && !Fits(text())) {
         QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
         return true;
     }

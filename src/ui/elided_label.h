@@ -10,7 +10,10 @@ class ElidedLabel : public QLabel {
     Q_OBJECT
 
   public:
-    explicit ElidedLabel(QWidget* parent = nullptr, Qt::TextElideMode mode = Qt::ElideRight);
+    explicit ElidedLabel(QWidget* parent = nullptr);
+
+    /// What is shown instead where the whole text has no room, if that fits.
+    void SetShortText(const QString& text) { shortText_ = text; }
 
     QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }
     QSize sizeHint() const override { return {0, QLabel::sizeHint().height()}; }
@@ -20,7 +23,9 @@ class ElidedLabel : public QLabel {
     bool event(QEvent* event) override;
 
   private:
-    Qt::TextElideMode mode_;
+    bool Fits(const QString& text) const;
+
+    QString shortText_;
 };
 
 }  // namespace lumo::ui

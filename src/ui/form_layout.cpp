@@ -68,30 +68,30 @@ constexpr FormLayout kMiddle{.basisWidth = 480,
 constexpr FormLayout kLargest{.basisWidth = 590,
                               .basisHeight = 325,
                               .places = {{
-                                  {4, 4, 124, 13},       // Filter
-                                  {4, 20, 124, 301},     // Tree
+                                  {4, 4, 124, 14},       // Filter
+                                  {4, 21, 124, 300},     // Tree
                                   {131, 150, 22, 16},    // Add
-                                  {156, 4, 124, 13},     // ScriptTitle
-                                  {156, 20, 124, 268},   // ScriptList
-                                  {156, 292, 61, 13},    // SwapUp
-                                  {156, 308, 61, 13},    // SwapDown
-                                  {219, 292, 61, 13},    // Edit
-                                  {219, 308, 61, 13},    // Delete
+                                  {156, 4, 124, 14},     // ScriptTitle
+                                  {156, 21, 124, 266},   // ScriptList
+                                  {156, 291, 61, 14},    // SwapUp
+                                  {156, 307, 61, 14},    // SwapDown
+                                  {219, 291, 61, 14},    // Edit
+                                  {219, 307, 61, 14},    // Delete
                                   {286, 3, 300, 199},    // ImageGroup
-                                  {291, 13, 143, 9},     // LeftCaption
-                                  {438, 13, 143, 9},     // RightCaption
-                                  {291, 24, 143, 142},   // LeftFrame
-                                  {438, 24, 143, 142},   // RightFrame
-                                  {291, 169, 70, 13},    // Open
-                                  {364, 169, 70, 13},    // Reload
-                                  {438, 169, 70, 13},    // CopyToRight
-                                  {511, 169, 70, 13},    // CopyToLeft
-                                  {291, 185, 70, 13},    // TestOne
-                                  {364, 185, 70, 13},    // TestAll
-                                  {438, 185, 70, 13},    // SaveAs
-                                  {511, 185, 70, 13},    // RunOnSample
+                                  {291, 15, 143, 11},    // LeftCaption
+                                  {438, 15, 143, 11},    // RightCaption
+                                  {291, 27, 143, 137},   // LeftFrame
+                                  {438, 27, 143, 137},   // RightFrame
+                                  {291, 167, 70, 14},    // Open
+                                  {364, 167, 70, 14},    // Reload
+                                  {438, 167, 70, 14},    // CopyToRight
+                                  {511, 167, 70, 14},    // CopyToLeft
+                                  {291, 184, 70, 14},    // TestOne
+                                  {364, 184, 70, 14},    // TestAll
+                                  {438, 184, 70, 14},    // SaveAs
+                                  {511, 184, 70, 14},    // RunOnSample
                                   {286, 205, 147, 116},  // Panel
-                                  {438, 205, 148, 95},   // Progress
+                                  {438, 205, 148, 96},   // Progress
                                   {438, 304, 148, 17},   // Run
                               }}};
 

@@ -65,8 +65,8 @@ MainForm::MainForm(QWidget* parent) : QWidget(parent) {
         NewButton(QStringLiteral("Swap Do&wn"), hints::kSwapDown, QStringLiteral("Swap Down"));
     remove = NewButton(QStringLiteral("De&lete"), hints::kDelete, QStringLiteral("Delete"));
 
-    leftCaption = new ElidedLabel(this, Qt::ElideMiddle);
-    rightCaption = new ElidedLabel(this, Qt::ElideMiddle);
+    leftCaption = new ElidedLabel(this);
+    rightCaption = new ElidedLabel(this);
     leftFrame = new ImageFrame(this);
     Describe(leftFrame, hints::kLeftFrame, QStringLiteral("Sample image as opened"));
     rightFrame = new ImageFrame(this);
@@ -158,6 +158,7 @@ void MainForm::PlaceControls(int screenWidth) {
     QFont font = window()->font();
     if (small) font.setPointSizeF(font.pointSizeF() * kSmallFont);
     if (font != this->font()) setFont(font);
+    progress->SetNarrow(small);
     for (int i = 0; i < static_cast<int>(Place::Count); ++i) {
         const auto place = static_cast<Place>(i);
         ControlAt(place)->setGeometry(PlaceOf(layout, place, size()));

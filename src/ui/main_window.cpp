@@ -296,6 +296,7 @@ void MainWindow::UpdateCaptions() {
         platform::Printable(view_.sample.path.substr(view_.sample.path.rfind('/') + 1));
     const QString left = caption(view_.sample.left.Extent(), view_.sample.leftDepthLabel);
     form_->leftCaption->setText(left.isEmpty() ? left : ToQt(name) + QStringLiteral("  ") + left);
+    form_->leftCaption->SetShortText(left);
     form_->rightCaption->setText(
         caption(view_.working.main.Extent(), view_.sample.rightDepthLabel));
 }

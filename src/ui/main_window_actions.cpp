@@ -66,6 +66,7 @@ void MainWindow::BindScriptActions() {
             (files_.*deed)();
             UpdateTitle();
             UpdateRecent();
+            UpdateActions();
         });
     };
     bind(Act::NewScript, &ScriptFiles::New);
@@ -82,7 +83,11 @@ void MainWindow::BindScriptActions() {
 
 void MainWindow::BindEditActions() {
     const auto bind = [this](Act act, auto operation) {
-        actions_.Bind(act, [this, operation] { operation(view_); });
+        actions_.Bind(act, [this, operation] {
+            operation(view_);
+            UpdateTitle();
+            UpdateActions();  // a cancelled dialog leaves something to take back, too
+        });
     };
     bind(Act::Undo, engine::RestoreUndoCopy);
     bind(Act::Cut, engine::CutCommand);

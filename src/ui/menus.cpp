@@ -137,7 +137,7 @@ Menus BuildMenus(QMainWindow& window, const Actions& actions, const MenuDeeds& d
          {Act::ToolBar, Act::StatusBar, kSeparator, Act::ScriptAsText, Act::ListAsText,
           Act::BatchLog, Act::ErrorLog, Act::LogFile, kSeparator, Act::FullScreenLeft,
           Act::FullScreenRight, kSeparator});
-    Fill(view->addMenu(QStringLiteral("&Colors")), actions,
+    Fill(view->addMenu(QStringLiteral("T&heme")), actions,
          {Act::ThemeOfDesktop, Act::ThemeLight, Act::ThemeDark});
 
     QMenu* commands = bar->addMenu(QStringLiteral("&Commands"));

@@ -11,6 +11,7 @@ namespace lumo::ui {
 namespace {
 
 constexpr int kTickMilliseconds = 500;
+constexpr int kStatusRow = 5;
 
 QString TimeText(qint64 milliseconds) {
     const qint64 seconds = milliseconds / 1000;
@@ -24,12 +25,6 @@ QString TimeText(qint64 milliseconds) {
 
 ProgressPanel::ProgressPanel(QWidget* parent) : QGroupBox(QStringLiteral("Progress"), parent) {
     auto* grid = new QGridLayout(this);
-    grid->setContentsMargins(8, 2, 8, 4);
-    grid->setVerticalSpacing(2);
-    grid->setHorizontalSpacing(6);
-    status_ = new ElidedLabel(this);
-    status_->setAccessibleName(QStringLiteral("Status"));
-    grid->addWidget(status_, 0, 0, 1, 4);
     bar_ = new QProgressBar(this);
     bar_->setAccessibleName(QStringLiteral("Progress of the run"));
     bar_->setRange(0, 1);
@@ -38,13 +33,19 @@ ProgressPanel::ProgressPanel(QWidget* parent) : QGroupBox(QStringLiteral("Progre
     bar_->setMinimumHeight(4);
     bar_->setMaximumHeight(14);
     bar_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    grid->addWidget(bar_, 1, 0, 1, 4);
-    total_ = AddCount(QStringLiteral("Total input:"), 2, 0);
-    current_ = AddCount(QStringLiteral("Current:"), 2, 2);
-    saved_ = AddCount(QStringLiteral("Saved:"), 3, 0);
-    errors_ = AddCount(QStringLiteral("Errors:"), 3, 2);
-    elapsed_ = AddCount(QStringLiteral("Elapsed:"), 4, 0);
-    remaining_ = AddCount(QStringLiteral("Remaining:"), 4, 2);
+    grid->addWidget(bar_, 0, 0, 1, 4);
+    total_ = AddCount(QStringLiteral("Total input:"), 1, 0);
+    current_ = AddCount(QStringLiteral("Current:"), 1, 2);
+    saved_ = AddCount(QStringLiteral("Saved:"), 2, 0);
+    errors_ = AddCount(QStringLiteral("Errors:"), 2, 2);
+    elapsed_ = AddCount(QStringLiteral("Elapsed:"), 3, 0);
+    remaining_ = AddCount(QStringLiteral("Remaining:"), 3, 2);
+    remainingCaption_ = static_cast<QLabel*>(grid->itemAtPosition(3, 2)->widget());
+    status_ = new ElidedLabel(this);
+    status_->setAccessibleName(QStringLiteral("Status"));
+    grid->addWidget(status_, kStatusRow, 0, 1, 4);
+    grid->setRowStretch(kStatusRow + 1, 1);
+    SetNarrow(false);
     grid->setColumnStretch(1, 1);
     grid->setColumnStretch(3, 1);
     tick_.setInterval(kTickMilliseconds);
@@ -63,6 +64,15 @@ QLabel* ProgressPanel::AddCount(const QString& caption, int row, int column) {
     grid->addWidget(label, row, column);
     grid->addWidget(value, row, column + 1);
     return value;
+}
+
+void ProgressPanel::SetNarrow(bool narrow) {
+    auto* grid = static_cast<QGridLayout*>(layout());
+    grid->setContentsMargins(narrow ? 5 : 9, 3, narrow ? 5 : 9, 2);
+    grid->setVerticalSpacing(narrow ? 1 : 5);
+    grid->setHorizontalSpacing(narrow ? 3 : 6);
+    grid->addWidget(remainingCaption_, narrow ? 4 : 3, narrow ? 0 : 2);
+    grid->addWidget(remaining_, narrow ? 4 : 3, narrow ? 1 : 3);
 }
 
 void ProgressPanel::Begin() {

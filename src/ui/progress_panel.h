@@ -21,6 +21,9 @@ class ProgressPanel : public QGroupBox {
   public:
     explicit ProgressPanel(QWidget* parent);
 
+    /// Packs everything closer together, for the smallest layout.
+    void SetNarrow(bool narrow);
+
     /// The clock starts, and the counts are those of no image.
     void Begin();
     /// The clock stops; counts and times stay to be read.
@@ -41,6 +44,7 @@ class ProgressPanel : public QGroupBox {
     QProgressBar* bar_;
     QLabel* elapsed_;
     QLabel* remaining_;
+    QLabel* remainingCaption_;
     ElidedLabel* status_;
     QElapsedTimer clock_;
     QTimer tick_;

@@ -77,20 +77,20 @@ void ScriptList::currentChanged(const QModelIndex& current, const QModelIndex& p
 }
 
 void ScriptList::dropEvent(QDropEvent* event) {
-    const int from = SelectedRow();
-    const QModelIndex over = indexAt(event->position().toPoint());
-    int before = rows_->rowCount();
-    if (over.isValid()) {
-        const QRect place = visualRect(over);
-        const bool lowerHalf = event->position().y() > place.center().y();
-        before = over.row() + (lowerHalf ? 1 : 0);
-    }
     // The view must not remove the dragged row itself: the engine moves it, or refuses.
     event->setDropAction(Qt::IgnoreAction);
     event->accept();
     setState(NoState);
     viewport()->update();
-    if (event->source() != this || from < 0) return;
+    if (event->source() == this) MoveSelectedTo(event->position().toPoint());
+}
+
+void ScriptList::MoveSelectedTo(QPoint place) {
+    const int from = SelectedRow();
+    if (from < 0) return;
+    const QModelIndex over = indexAt(place);
+    int before = rows_->rowCount();
+    if (over.isValid()) before = over.row() + (place.y() > visualRect(over).center().y() ? 1 : 0);
     const int to = before > from ? before - 1 : before;
     if (to != from) Q_EMIT RowMoved(from, to);
 }

@@ -42,6 +42,9 @@ class ScriptList : public QListView {
     void Select(int row);
     int SelectedRow() const { return currentIndex().row(); }
 
+    /// The end of a drag at this place of the viewport: the row goes above or below the one there.
+    void MoveSelectedTo(QPoint place);
+
   Q_SIGNALS:
     void RowSelected(int row);
     void RowChosen(int row);

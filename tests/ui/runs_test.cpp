@@ -1,0 +1,303 @@
+// Batch runs from the window: start, questions, abort, and closing while one lasts.
+
+#include <QElapsedTimer>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <filesystem>
+
+#include "engine/editing.h"
+#include "imaging/codecs/codec.h"
+#include "platform/files.h"
+#include "script/names.h"
+#include "support/test_images.h"
+#include "ui/command_tree.h"
+#include "ui/image_frame.h"
+#include "ui/script_list.h"
+#include "ui/text.h"
+#include "ui/window_fixture.h"
+
+namespace lumo::ui {
+namespace {
+
+using testing::HasSubstr, testing::IsEmpty, testing::StartsWith;
+
+class RunWindow : public test::WindowTest {
+  protected:
+    /// `count` small BMP files in the folder "in".
+    void PutPictures(int count, imaging::Size size = {64, 48}) {
+        for (int i = 0; i < count; ++i) {
+            const imaging::Image picture = test::RandomImage(size, static_cast<unsigned>(i) + 1);
+            const auto bytes = imaging::codecs::EncodeBmp(picture.View());
+            ASSERT_TRUE(bytes);
+            ASSERT_TRUE(platform::MakeFolders(*this / "in"));
+            ASSERT_TRUE(
+                platform::WriteFile(*this / ("in/" + std::to_string(1000 + i) + ".bmp"), *bytes));
+        }
+    }
+
+    std::string StartParams() const {
+        return "32,2,\"\",\"" + (*this / "in") +
+               "\",1,1,1,1,1,1,1,1,1,1,1,12,2024,1,12,1980,64,48,1280,960,0,0,0,0,0,0,0.0,4.0,0,";
+    }
+    std::string OutputParams() const {
+        return "11,0,\"" + (*this / "out") + "\",0,png,1,0,\"\",\"\",0,0,1,";
+    }
+    /// START, the commands between, "Output setup" and END.
+    void SetRun(const std::vector<std::string>& between) {
+        std::vector<std::string> lines{"START image loop (setup)", StartParams()};
+        lines.insert(lines.end(), between.begin(), between.end());
+        lines.insert(lines.end(), {"Output setup", OutputParams(), "END image loop", "0"});
+        SetScript(lines);
+    }
+    /// A run that takes long enough to be met at work.
+    void SetLongRun() {
+        PutPictures(40, {400, 300});
+        SetRun({"Median filter", "1,12.0,", "Median filter", "1,12.0,"});
+    }
+
+    std::vector<std::string> Outputs() const { return test::NamesIn(*this / "out"); }
+    std::string Log(const char* name) {
+        return test::FileText(View().settings.folders.logs + "/" + name);
+    }
+    QString RunText() { return VisibleText(Form().run->text()); }
+};
+
+TEST_F(RunWindow, RunsOverAFolderAndShowsCounts) {
+    Start();
+    PutPictures(3);
+    SetRun({"Negative - inverted rgb", "0"});
+    const QImage before = Form().rightFrame->Picture().pixels;
+    Click(Form().run);
+    EXPECT_TRUE(Window().IsRunning());
+    EXPECT_EQ(RunText(), QStringLiteral("Abort processing"));
+    EXPECT_FALSE(Form().scriptList->isEnabled());
+    EXPECT_FALSE(Action(Act::OpenScript)->isEnabled());
+    EXPECT_THAT(FromQt(Action(Act::OpenScript)->statusTip()), HasSubstr("(while a batch run"));
+    EXPECT_FALSE(Form().testOne->isEnabled());
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_EQ(Status(), "Done!");
+    EXPECT_EQ(RunText(), QStringLiteral("Run Batch script..."));
+    EXPECT_EQ(Outputs().size(), 3U);
+    EXPECT_TRUE(Form().scriptList->isEnabled());
+    EXPECT_EQ(Form().scriptList->SelectedRow(), 0);
+    EXPECT_EQ(Form().rightFrame->Picture().pixels, before);  // the sample is back
+    EXPECT_THAT(Log("Batch.log"), HasSubstr("---- done ----"));
+    EXPECT_THAT(FromQt(Window().windowTitle()), testing::EndsWith("Lumoscript"));
+    const engine::RunState& run = View().run;
+    EXPECT_EQ(run.statFiles, 3);
+    EXPECT_EQ(run.statOutputs, 3);
+    EXPECT_EQ(run.errorCount, 0);
+}
+
+TEST_F(RunWindow, ASecondPressAborts) {
+    Start();
+    SetLongRun();
+    Click(Form().run);
+    QElapsedTimer clock;
+    clock.start();
+    int ticks = 0;
+    QTimer ticker;
+    QObject::connect(&ticker, &QTimer::timeout, [&] { ++ticks; });
+    ticker.start(10);
+    ASSERT_TRUE(test::WaitUntil([&] { return Outputs().size() >= 2; }));
+    EXPECT_THAT(FromQt(Window().windowTitle()), testing::EndsWith("% Done"));
+    EXPECT_GT(ticks, 2) << "the window stood still during the run";
+    Click(Form().run);
+    Click(Form().run);  // as good as one
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_EQ(Status(), "User aborted!");
+    EXPECT_LT(Outputs().size(), 40U);
+    EXPECT_THAT(Log("Batch.log"), HasSubstr("User aborted."));
+    EXPECT_TRUE(Form().scriptList->isEnabled());
+    // And the next one runs to its end.
+    SetRun({});
+    Click(Form().run);
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_EQ(Status(), "Done!");
+    EXPECT_EQ(Outputs().size(), 40U);
+}
+
+TEST_F(RunWindow, AsksBeforeARunOfNothing) {
+    Start();
+    PutPictures(1);
+    SetScript({"START image loop (setup)", StartParams(), "END image loop", "0"});
+    answers.Expect(
+        "No commands except 'Start (Image loop)' and 'End (Image loop)' in script! "
+        "Continue anyway?",
+        QMessageBox::No);
+    Click(Form().run);
+    EXPECT_FALSE(Window().IsRunning());
+    answers.Expect("Continue anyway?", QMessageBox::Yes);
+    Click(Form().run);
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_EQ(View().run.statInputs, 1);
+}
+
+TEST_F(RunWindow, TellsOfAScriptWithoutStart) {
+    Start();
+    SetScript({"Despeckle", "0", "Despeckle", "0", "Despeckle", "0"});
+    answers.Expect("No 'START Image loop (setup)'. Not a batch script. No batching.",
+                   QMessageBox::Ok);
+    Click(Form().run);
+    EXPECT_FALSE(Window().IsRunning());
+    EXPECT_TRUE(Form().scriptList->isEnabled());
+}
+
+TEST_F(RunWindow, AStructureFaultRefusesTheRunAndGivesTheSampleBack) {
+    Start();
+    PutPictures(1);
+    SetRun({"IF_END", "0"});
+    Click(Form().run);
+    EXPECT_FALSE(Window().IsRunning());
+    EXPECT_THAT(Log("Error.log"), HasSubstr("IF_END before IF_START in Image loop"));
+    EXPECT_FALSE(View().working.main.IsEmpty());
+    EXPECT_FALSE(Form().rightFrame->Picture().pixels.isNull());
+    EXPECT_TRUE(Form().run->isEnabled());
+}
+
+TEST_F(RunWindow, SkippedOutputIsAskedAbout) {
+    Start();
+    PutPictures(1);
+    SetScript({"START image loop (setup)", StartParams(), "Output setup",
+               "11,0,\"" + (*this / "out") + "\",0,png,1,0,\"\",\"\",0,1,1,", "END image loop",
+               "0"});
+    answers.Expect("Selected Output setup command is set to be skipped.", QMessageBox::No);
+    Click(Form().run);
+    EXPECT_EQ(Form().scriptList->SelectedRow(), 1);
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_THAT(Outputs(), IsEmpty());
+}
+
+TEST_F(RunWindow, TheWorkerAsksThroughTheWindow) {
+    Start();
+    PutPictures(2);
+    SetRun({});
+    View().settings.warnBeforeMakingFolder = true;
+    answers.Expect("", QMessageBox::Yes);
+    Click(Form().run);
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_EQ(Outputs().size(), 2U);
+}
+
+TEST_F(RunWindow, ClosingDuringARunAsksAbortsAndEnds) {
+    Start();
+    SetLongRun();
+    Click(Form().run);
+    ASSERT_TRUE(test::WaitUntil([&] { return !Outputs().empty(); }));
+    answers.Expect("A batch run is active.", QMessageBox::No);
+    Window().close();
+    EXPECT_TRUE(Window().isVisible());
+    EXPECT_TRUE(Window().IsRunning());
+    answers.Expect("A batch run is active.", QMessageBox::Yes);
+    Window().close();
+    ASSERT_TRUE(test::WaitUntil([&] { return !Window().isVisible(); }));
+    EXPECT_FALSE(Window().IsRunning());
+    EXPECT_THAT(Log("Batch.log"), HasSubstr("User aborted."));
+    EXPECT_LT(Outputs().size(), 40U);
+}
+
+TEST_F(RunWindow, DestroyingTheWindowDuringARunEndsTheRun) {
+    Start();
+    SetLongRun();
+    Click(Form().run);
+    ASSERT_TRUE(test::WaitUntil([&] { return !Outputs().empty(); }));
+    DestroyWindow();
+    const std::size_t written = Outputs().size();
+    QTest::qWait(50);
+    EXPECT_EQ(Outputs().size(), written);
+}
+
+TEST_F(RunWindow, RunOnSampleWritesNothing) {
+    Start();
+    SetRun({"Negative - inverted rgb", "0"});
+    Click(Form().runOnSample);
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_EQ(Status(), "Done!");
+    EXPECT_THAT(Outputs(), IsEmpty());
+    EXPECT_FALSE(View().run.onLeftImage);
+    const auto left = View().sample.left.View().Pixel(3, 3);
+    const auto right = View().working.main.View().Pixel(3, 3);
+    EXPECT_EQ(left.red + right.red, 255);  // the right frame keeps what the Script made of it
+    // A refused one leaves nothing behind for the next run.
+    SetRun({"IF_END", "0"});
+    Click(Form().runOnSample);
+    EXPECT_FALSE(View().run.onLeftImage);
+    EXPECT_EQ(View().run.mode, engine::RunMode::Idle);
+}
+
+TEST_F(RunWindow, ShowsEachImageIfAskedTo) {
+    Start();
+    PutPictures(30, {300, 200});
+    SetRun({"Median filter", "1,6.0,"});
+    Trigger(Act::ShowEachImage);
+    const QImage sample = Form().rightFrame->Picture().pixels;
+    Click(Form().run);
+    bool other = false;
+    ASSERT_TRUE(test::WaitUntil(
+        [&] {
+            other = other || (Form().rightFrame->Picture().source == imaging::Size{300, 200});
+            return !Window().IsRunning();
+        },
+        60));
+    EXPECT_TRUE(other);
+    EXPECT_EQ(Form().rightFrame->Picture().pixels, sample);
+}
+
+// ---- The command line ---------------------------------------------------------------------------
+
+class CommandLineWindow : public RunWindow {
+  protected:
+    std::string WriteScript(const std::string& middle) {
+        const std::string path = *this / "run.whs";
+        test::PutFile(path, "BEGIN\r\nSTART image loop (setup)\r\n" + StartParams() + "\r\n" +
+                                middle + "Output setup\r\n" + OutputParams() +
+                                "\r\nEND image loop\r\n0\r\nEND\r\n");
+        return path;
+    }
+};
+
+TEST_F(CommandLineWindow, OpensAScript) {
+    const std::string path = WriteScript("Despeckle\r\n0\r\n");
+    Start({.scriptPath = path});
+    EXPECT_THAT(Rows(), testing::ElementsAre("START image loop (setup)", "Despeckle",
+                                             "Output setup", "END image loop"));
+    EXPECT_EQ(View().settings.recentScripts[0], path);
+    EXPECT_FALSE(Window().IsRunning());
+    EXPECT_THAT(FromQt(Window().windowTitle()), StartsWith("run"));
+}
+
+TEST_F(CommandLineWindow, RunsAtOnceAndStays) {
+    PutPictures(2);
+    Start({.scriptPath = WriteScript(""), .runAtOnce = true});
+    ASSERT_TRUE(test::WaitUntil([&] { return Status() == "Done!" && !Window().IsRunning(); }));
+    EXPECT_EQ(Outputs().size(), 2U);
+    QTest::qWait(1200);
+    EXPECT_TRUE(Window().isVisible());
+}
+
+TEST_F(CommandLineWindow, RunsAtOnceAndEnds) {
+    PutPictures(2);
+    test::PutFile(*this / "in/broken.png", "no picture");
+    Start({.scriptPath = WriteScript(""), .runAtOnce = true, .exitAfterRun = true});
+    ASSERT_TRUE(test::WaitUntil([&] { return !Window().isVisible(); }));
+    EXPECT_EQ(Outputs().size(), 2U);
+    EXPECT_EQ(Window().ExitStatus(), 1);
+}
+
+TEST_F(CommandLineWindow, AScriptThatIsNotThereEndsWithItsStatus) {
+    answers.Expect("Unable to find or open named Lumoscript script file (.whs), check file path?",
+                   QMessageBox::Ok);
+    Start({.scriptPath = *this / "no.whs", .runAtOnce = true, .exitAfterRun = true});
+    ASSERT_TRUE(test::WaitUntil([&] { return !Window().isVisible(); }));
+    EXPECT_EQ(Window().ExitStatus(), 3);
+}
+
+TEST_F(CommandLineWindow, WithoutPromptsNothingWaits) {
+    Start({.scriptPath = *this / "no.whs", .runAtOnce = true, .noPrompts = true});
+    EXPECT_TRUE(Window().isVisible());
+    EXPECT_FALSE(View().run.noPrompts);  // it held for that start alone
+}
+
+}  // namespace
+}  // namespace lumo::ui
