@@ -26,7 +26,9 @@ void ExecuteOnSample(CLumoscriptView& view, int index) {
     // Copies: a command of the walk may append a subroutine to the Script.
     const std::string name = view.script.commands.NameAt(index);
     const std::string params = view.script.commands.ParamsAt(index);
-    if (ExecuteCommand(view, name, params) == Outcome::Succeeded) view.ui.RebuildRightDisplay();
+    const Outcome outcome = ExecuteCommand(view, name, params);
+    // A command that failed may have taken the picture away: nothing is shown of what is gone.
+    if (outcome == Outcome::Succeeded || view.working.main.IsEmpty()) view.ui.RebuildRightDisplay();
 }
 
 void EndWalk(CLumoscriptView& view) {

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "support/test_files.h"
 #include "unattended_fixture.h"
 
 namespace lumo {

@@ -325,9 +325,9 @@ TEST_F(Form, LettersCannotBeTypedIntoNumbers) {
 }
 
 TEST_F(Form, NumberThatIsOutOfRangeInTheScriptIsPutRight) {
-    Open(names::kLoopStart, "1,0,");
+    Open(names::kAdjustColourRgb, "3,500,0,-101,");
     form->accept();
-    EXPECT_EQ(form->Params(), "1,1,");
+    EXPECT_EQ(form->Params(), "3,100,0,-100,");
 }
 
 // ---- Other controls ----

@@ -10,8 +10,10 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
+#include <filesystem>
 
 #include "engine/editing.h"
+#include "support/test_files.h"
 #include "ui/command_tree.h"
 #include "ui/parameter_panel.h"
 #include "ui/progress_panel.h"
@@ -119,6 +121,10 @@ WindowTest::WindowTest() {
     set("HOME", home_.Path());
     set("XDG_CONFIG_HOME", home_ / ".config");
     set("XDG_DATA_HOME", home_ / ".local");
+    // Commands on files may change what is shipped: they get a copy.
+    std::filesystem::copy(SourceRoot() / "share", home_ / "install",
+                          std::filesystem::copy_options::recursive);
+    set("LUMOSCRIPT_INSTALL_FOLDER", home_ / "install");
     set("PATH", home_ / "bin");  // no opener of the desktop but those that a test puts there
 }
 
