@@ -10,6 +10,7 @@
 #include <QToolBar>
 #include <ctime>
 
+#include "engine/command.h"
 #include "engine/editing.h"
 #include "engine/open_sample.h"
 #include "engine/run_batch.h"
@@ -18,12 +19,12 @@
 #include "platform/paths.h"
 #include "settings/recent.h"
 #include "settings/settings_store.h"
+#include "ui/command_form.h"
 #include "ui/command_tree.h"
 #include "ui/elided_label.h"
 #include "ui/icons.h"
 #include "ui/image_frame.h"
 #include "ui/main_form.h"
-#include "ui/parameter_dialog.h"
 #include "ui/parameter_panel.h"
 #include "ui/progress_panel.h"
 #include "ui/script_list.h"
@@ -176,7 +177,8 @@ void MainWindow::ShowNotice(const QString& text) {
 }
 
 bool MainWindow::EditParameters(std::string_view name, std::string& params, bool& makeDefault) {
-    return AskParameters(this, view_, name, params, makeDefault);
+    const engine::Command* command = engine::FindCommand(name);
+    return command && ui::EditParameters(this, view_, *command, params, makeDefault);
 }
 
 bool MainWindow::EditCommandAt(int index) {
