@@ -19,7 +19,7 @@ enum class Rewrite {
 
 struct RewriteResult {
     Rewrite outcome = Rewrite::Done;
-    int systemError = 0;  // of NotRenamed
+    int systemError = 0;  // where something failed; nearest errno
 };
 
 /// What is to change in the head that was read.

@@ -1,13 +1,12 @@
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstring>
 #include <optional>
 #include <random>
 
+#include "platform/file_attributes.h"
 #include "platform/files.h"
 #include "platform/system_error.h"
 
@@ -36,9 +35,9 @@ std::string RandomName() {
 }
 
 struct Rights {
-    mode_t mode = 0666;
-    uid_t owner = 0;
-    gid_t group = 0;
+    mode_t mode;
+    uid_t owner;
+    gid_t group;
 };
 
 // What the new file takes over, none if it replaces nothing (or a mere link).
@@ -75,7 +74,7 @@ void TakeRights(int descriptor, const Rights& rights) {
     (void)::fchmod(descriptor, rights.mode);  // the mask of the process may have cut it
 }
 
-Status GiveName(const std::string& temporary, const std::string& target, Existing existing) {
+Status Rename(const std::string& temporary, const std::string& target, Existing existing) {
     if (existing == Existing::Keep) return RenameNoReplace(temporary, target);
     if (::rename(temporary.c_str(), target.c_str()) != 0) return SystemError(target, errno);
     return Done{};
@@ -85,8 +84,8 @@ bool CannotSync(int errorNumber) {
     return errorNumber == EINVAL || errorNumber == ENOSYS || errorNumber == ENOTSUP;
 }
 
-// A folder that cannot be opened for reading, or a file system without this service, is no failure:
-// the file stands under its name.
+// A folder that cannot be opened for reading, or a file system without this service, is no
+// failure: the file stands under its name.
 Status SyncFolderOf(const std::string& target) {
     const std::string folder = FolderPart(target);
     const int descriptor = Uninterrupted([&] {
@@ -141,21 +140,20 @@ void AtomicFile::Discard() {
 }
 
 Result<AtomicFile> AtomicFile::Create(const std::string& target, unsigned newMode) {
-    return Create(target, RandomName(), newMode);
+    return CreateAs(target, RandomName(), newMode);
 }
 
-Result<AtomicFile> AtomicFile::Create(const std::string& target, std::string_view temporaryName,
-                                      unsigned newMode) {
+Result<AtomicFile> AtomicFile::CreateAs(const std::string& target, std::string_view temporaryName,
+                                        unsigned newMode) {
     const auto rights = RightsOfTarget(target);
     if (!rights) return rights.Reason();
-    const mode_t mode = *rights ? (*rights)->mode : static_cast<mode_t>(newMode);
     const std::string folder = FolderPart(target);
-    std::string name(temporaryName);
-    for (int attempt = 0; attempt < kAttempts; ++attempt, name = RandomName()) {
-        const std::string path = folder + name;
+    std::string path = folder + std::string(temporaryName);
+    for (int attempt = 0; attempt < kAttempts; ++attempt, path = folder + RandomName()) {
         AtomicFile file;
         file.descriptor_ = Uninterrupted([&] {
-            return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
+            return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                          *rights ? (*rights)->mode : newMode);
         });
         if (file.descriptor_ >= 0) {
             file.target_ = target;
@@ -169,17 +167,11 @@ Result<AtomicFile> AtomicFile::Create(const std::string& target, std::string_vie
 }
 
 void AtomicFile::TakeAttributes(const std::string& from) {
-    constexpr std::size_t kMost = 65536;  // the system's own limit for names and for a value
-    std::string names(kMost, '\0'), value(kMost, '\0');
-    const ssize_t listed = ::listxattr(from.c_str(), names.data(), names.size());
-    if (descriptor_ < 0 || listed <= 0) return;
-    names.resize(static_cast<std::size_t>(listed));
-    for (std::size_t at = 0; at < names.size(); at += std::strlen(&names[at]) + 1) {
-        const ssize_t length = ::getxattr(from.c_str(), &names[at], value.data(), value.size());
-        if (length < 0) continue;
-        (void)::fsetxattr(descriptor_, &names[at], value.data(), static_cast<std::size_t>(length),
-                          0);
-    }
+    const int source = Uninterrupted(
+        [&] { return ::open(from.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); });
+    if (source < 0) return;
+    CopyExtendedAttributes(source, descriptor_, AccessLists::Copy);
+    ::close(source);
 }
 
 Status AtomicFile::Write(std::span<const std::uint8_t> bytes) {
@@ -211,9 +203,9 @@ Status AtomicFile::Finish(Durability durability) {
     return SystemError(target_, reason);
 }
 
-Status AtomicFile::Rename(Durability durability, Existing existing) {
+Status AtomicFile::GiveName(Durability durability, Existing existing) {
     if (descriptor_ >= 0 || temporary_.empty()) return SystemError(target_, EBADF);
-    if (Status named = GiveName(temporary_, target_, existing); !named) {
+    if (Status named = Rename(temporary_, target_, existing); !named) {
         Discard();
         return named;
     }
@@ -223,7 +215,7 @@ Status AtomicFile::Rename(Durability durability, Existing existing) {
 
 Status AtomicFile::Commit(Durability durability, Existing existing) {
     Status finished = Finish(durability);
-    return finished ? Rename(durability, existing) : finished;
+    return finished ? GiveName(durability, existing) : finished;
 }
 
 Status WriteFile(const std::string& path, std::span<const std::uint8_t> bytes,

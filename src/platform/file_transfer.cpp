@@ -4,15 +4,14 @@
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
-#include <string_view>
 
+#include "platform/file_attributes.h"
 #include "platform/paths.h"
 #include "platform/system_error.h"
 
@@ -98,25 +97,9 @@ int CopyContent(int from, AtomicFile& to) {
     return reason != 0 ? reason : CopyThroughBuffer(from, to);
 }
 
-/// Tags and ratings of file managers. A file system that knows no attributes takes none.
-void CopyUserAttributes(int from, int to) {
-    std::array<char, 4096> names{};
-    const ssize_t bytes = ::flistxattr(from, names.data(), names.size());
-    std::string_view rest(names.data(), bytes > 0 ? static_cast<std::size_t>(bytes) : 0);
-    while (!rest.empty()) {
-        const std::string_view name = rest.substr(0, rest.find('\0'));
-        rest.remove_prefix(std::min(rest.size(), name.size() + 1));
-        if (!name.starts_with("user.")) continue;
-        std::array<char, 4096> value{};
-        const ssize_t length = ::fgetxattr(from, name.data(), value.data(), value.size());
-        if (length < 0) continue;
-        (void)::fsetxattr(to, name.data(), value.data(), static_cast<std::size_t>(length), 0);
-    }
-}
-
 // What a file system cannot keep is no failure: the picture is whole without it.
 void CopyAttributes(const Source& from, int to, Owner owner) {
-    CopyUserAttributes(from.descriptor, to);
+    CopyExtendedAttributes(from.descriptor, to, AccessLists::Leave);
     if (owner == Owner::Keep) (void)!::fchown(to, from.status.st_uid, from.status.st_gid);
     (void)::fchmod(to, from.status.st_mode & 0777U);
     const timespec times[] = {from.status.st_atim, from.status.st_mtim};

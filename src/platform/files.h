@@ -80,17 +80,18 @@ class AtomicFile {
     /// of the process, is the mode of a file that replaces none.
     static Result<AtomicFile> Create(const std::string& target, unsigned newMode = 0666);
     /// The same; the temporary has that name as long as nothing else in the folder has it.
-    static Result<AtomicFile> Create(const std::string& target, std::string_view temporaryName,
-                                     unsigned newMode = 0666);
-    /// Gives the temporary the labels and access lists of a file, as far as the system allows.
-    void TakeAttributes(const std::string& from);
+    static Result<AtomicFile> CreateAs(const std::string& target, std::string_view temporaryName,
+                                       unsigned newMode = 0666);
     /// After a failure the temporary is gone, and so is the chance to commit.
     Status Write(std::span<const std::uint8_t> bytes);
     Status Commit(Durability durability, Existing existing = Existing::Replace);
     /// The two steps of Commit, for those who tell their failures apart: the temporary is complete
     /// and closed; then it gets its name.
     Status Finish(Durability durability);
-    Status Rename(Durability durability, Existing existing = Existing::Replace);
+    Status GiveName(Durability durability, Existing existing = Existing::Replace);
+
+    /// Gives the temporary the labels and access lists of a file, as far as the system allows.
+    void TakeAttributes(const std::string& from);
 
     /// Of the temporary, for what Write cannot do; owned by this object.
     int Descriptor() const { return descriptor_; }

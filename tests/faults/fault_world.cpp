@@ -170,8 +170,10 @@ bool World::CheckArrived(const std::string& what) const {
     std::string trouble;
     for (const auto& original : originals_) {
         const std::string& name = original.first;
-        if (!IsWhole(name, scenario_.trashes ? trashed[name] : FileText(place + "/" + name)))
-            trouble += name + " did not arrive\n";
+        const std::string bytes = scenario_.trashes ? trashed[name] : FileText(place + "/" + name);
+        if (!IsWhole(name, bytes)) trouble += name + " did not arrive\n";
+        if (scenario_.rewritesHeaders && bytes == original.second)
+            trouble += name + " has its old header\n";
     }
     EXPECT_EQ(trouble, "") << scenario_.name << ", " << what;
     return trouble.empty();

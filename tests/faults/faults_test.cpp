@@ -32,6 +32,10 @@ std::vector<Scenario> Scenarios() {
     const std::string copy = "Copy/Move\r\n6,1,\"{out}\",0,,,1,\r\n";
     const std::string move = "Copy/Move\r\n6,0,\"{out}\",0,,,1,\r\n";
     const std::string moveKeep = "Copy/Move\r\n6,0,\"{out}\",0,,,0,\r\n";
+    const std::string keepAll =
+        "JPG file header\r\n29,0,0,0,0,1,1,1,a remark,0,,,,,,,,,,,,,,,1,a title,,,,,\r\n";
+    const std::string keepNone =
+        "JPG file header\r\n29,2,0,0,0,0,0,1,a remark,1,name,,,,,,,,,,,,,,0,,,,,,\r\n";
     return {
         {.name = "Copy", .commands = copy},
         {.name = "CopyOverOlderFiles", .commands = copy, .olderFiles = true},
@@ -47,6 +51,7 @@ std::vector<Scenario> Scenarios() {
         {.name = "CopyThenTrash",
          .commands = copy + "Delete input file\r\n2,1,1,\r\n",
          .trashes = true},
+        {.name = "RewriteHeaders", .commands = keepAll + keepNone, .rewritesHeaders = true},
     };
 }
 

@@ -69,7 +69,7 @@ TEST_F(RewriteTest, TheCopyHasItsNameWhileItIsWritten) {
     });
     EXPECT_EQ(result.outcome, Rewrite::Done);
     EXPECT_EQ(writers, 1);
-    auto file = platform::AtomicFile::Create(path_, platform::kRewriteName);
+    auto file = platform::AtomicFile::CreateAs(path_, platform::kRewriteName);
     ASSERT_TRUE(file);
     EXPECT_TRUE(platform::FileExists(copy));
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/time.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -132,6 +133,83 @@ TEST(AtomicFile, TemporaryNamesAreKnown) {
          {"", ".lumo-", ".lumo-abcde.tmp~", ".lumo-abcdefg.tmp~", ".lumo-abc/ef.tmp~",
           ".lumo-abcdef.tmp", "lumo-abcdef.tmp~x", ".lumo-ab.def.tmp~"}) {
         EXPECT_FALSE(IsTemporaryName(name)) << name;
+    }
+}
+
+TEST(AtomicFile, TheTemporaryMayHaveANameOfItsOwn) {
+    const TempFolder folder;
+    auto first = AtomicFile::CreateAs(folder / "a", kRewriteName);
+    auto second = AtomicFile::CreateAs(folder / "b", kRewriteName);  // taken: another one
+    ASSERT_TRUE(first && second);
+    EXPECT_TRUE(FileExists(folder / "temp83S04L51.jpg"));
+    EXPECT_EQ(NamesIn(folder.Path()).size(), 2U);
+    EXPECT_THAT(ListFolder(folder.Path()), IsEmpty());
+    EXPECT_TRUE(IsTemporaryName("temp83S04L51.jpg"));
+    EXPECT_FALSE(IsTemporaryName("temp83S04L51.jpeg"));
+    ASSERT_TRUE(second->Write(Bytes("2")) && second->Commit(Durability::Sync));
+    ASSERT_TRUE(first->Write(Bytes("1")) && first->Commit(Durability::Sync));
+    EXPECT_THAT(NamesIn(folder.Path()), ElementsAre("a", "b"));
+    EXPECT_EQ(FileText(folder / "a"), "1");
+    EXPECT_EQ(FileText(folder / "b"), "2");
+}
+
+TEST(AtomicFile, CommitHasTwoSteps) {
+    const TempFolder folder;
+    PutFile(folder / "a", "old");
+    auto file = AtomicFile::Create(folder / "a");
+    ASSERT_TRUE(file && file->Write(Bytes("new")));
+    EXPECT_FALSE(file->GiveName(Durability::Sync));  // not yet complete
+    ASSERT_TRUE(file->Finish(Durability::Sync));
+    EXPECT_EQ(FileText(folder / "a"), "old");
+    EXPECT_FALSE(file->Finish(Durability::Sync));
+    EXPECT_FALSE(file->Write(Bytes("x")));
+    ASSERT_TRUE(file->GiveName(Durability::Sync));
+    EXPECT_EQ(FileText(folder / "a"), "new");
+    EXPECT_FALSE(file->GiveName(Durability::Sync));
+    EXPECT_THAT(NamesIn(folder.Path()), ElementsAre("a"));
+}
+
+TEST(AtomicFile, WithoutItsNameNothingIsLeft) {
+    const TempFolder folder;
+    {
+        auto file = AtomicFile::Create(folder / "a");
+        ASSERT_TRUE(file && file->Finish(Durability::Rename));
+        EXPECT_EQ(NamesIn(folder.Path()).size(), 1U);
+    }
+    EXPECT_THAT(NamesIn(folder.Path()), IsEmpty());
+    auto file = AtomicFile::Create(folder / "a");
+    ASSERT_TRUE(file && file->Finish(Durability::Rename));
+    fs::create_directory(folder / "a");
+    const Status named = file->GiveName(Durability::Rename);
+    ASSERT_FALSE(named);
+    EXPECT_EQ(named.Reason().number, EISDIR);
+    EXPECT_THAT(NamesIn(folder.Path()), ElementsAre("a"));
+}
+
+TEST(AtomicFile, KeepsTheOwnerOfItsTargetWhereItMay) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs the rights of the administrator";
+    const TempFolder folder;
+    PutFile(folder / "a", "old");
+    ASSERT_EQ(chown((folder / "a").c_str(), 1234, 4321), 0);
+    ASSERT_TRUE(WriteTextFile(folder / "a", "new"));
+    struct stat status{};
+    ASSERT_EQ(stat((folder / "a").c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 1234U);
+    EXPECT_EQ(status.st_gid, 4321U);
+}
+
+TEST(AtomicFile, TakesLabelsWhereTheFileSystemHasThem) {
+    const TempFolder folder;
+    PutFile(folder / "a", "old");
+    if (setxattr((folder / "a").c_str(), "user.rating", "5", 1, 0) != 0)
+        GTEST_SKIP() << "no labels on this file system";
+    for (const bool take : {false, true}) {
+        auto file = AtomicFile::Create(folder / "b");
+        ASSERT_TRUE(file);
+        if (take) file->TakeAttributes(folder / "a");
+        ASSERT_TRUE(file->Commit(Durability::Rename));
+        char value = 0;
+        EXPECT_EQ(getxattr((folder / "b").c_str(), "user.rating", &value, 1), take ? 1 : -1);
     }
 }
 
