@@ -1,6 +1,7 @@
 #include "cli/console_interface.h"
 
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <pty.h>
 #include <unistd.h>
 
@@ -32,9 +33,11 @@ class CapturedError {
     CapturedError(const CapturedError&) = delete;
     CapturedError& operator=(const CapturedError&) = delete;
 
-    /// What has come so far, at least one byte.
+    /// What has come so far; empty if nothing comes within a second.
     std::string Text() {
         std::fflush(stderr);
+        pollfd ready{from_, POLLIN, 0};
+        if (poll(&ready, 1, 1000) <= 0) return {};
         char bytes[4096];
         const ssize_t count = read(from_, bytes, sizeof bytes);
         return {bytes, static_cast<std::size_t>(count > 0 ? count : 0)};
