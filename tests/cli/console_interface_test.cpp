@@ -33,19 +33,14 @@ class CapturedError {
     CapturedError(const CapturedError&) = delete;
     CapturedError& operator=(const CapturedError&) = delete;
 
-    /// What has come so far. A terminal may hand a text over in parts: it is read until nothing
-    /// more comes for a while.
+    /// What has come so far; empty if nothing comes within a second.
     std::string Text() {
         std::fflush(stderr);
-        std::string text;
-        pollfd wait{from_, POLLIN, 0};
-        while (poll(&wait, 1, text.empty() ? 5000 : 200) > 0) {
-            char bytes[4096];
-            const ssize_t count = read(from_, bytes, sizeof bytes);
-            if (count <= 0) break;
-            text.append(bytes, static_cast<std::size_t>(count));
-        }
-        return text;
+        pollfd ready{from_, POLLIN, 0};
+        if (poll(&ready, 1, 1000) <= 0) return {};
+        char bytes[4096];
+        const ssize_t count = read(from_, bytes, sizeof bytes);
+        return {bytes, static_cast<std::size_t>(count > 0 ? count : 0)};
     }
 
   private:

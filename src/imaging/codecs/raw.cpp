@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 #include <jpeglib.h>
 #include <libraw/libraw.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -50,6 +51,10 @@ class Stream : public LibRaw_buffer_datastream {
         missing_ += size * count - std::min(size * count, got);
         return result;
     }
+    int seek(INT64 offset, int origin) override {
+        if (toBeCleared_ != nullptr) ClearPixels();
+        return LibRaw_buffer_datastream::seek(offset, origin);
+    }
     // A JPG inside of the file is about to be decoded. Its decoder prints what is wrong, and the
     // library forgets to free it when a tile fails: both are mended here.
     int jpeg_src(void* decompress) override {
@@ -76,6 +81,17 @@ class Stream : public LibRaw_buffer_datastream {
         return byte;
     }
 
+    /// Before the pixels are unpacked: the library takes their memory as it comes, and some of its
+    /// readers leave part of it unwritten where their data is no data. Such pixels would show what
+    /// the memory held before, so it is cleared at the first seek after it has been taken, which
+    /// is the one to the data.
+    void ClearPixelsOf(LibRaw& raw) {
+        libraw_decoder_info_t decoder{};
+        raw.get_decoder_info(&decoder);
+        // Some readers take memory of their own, while they read, and fill it.
+        if ((decoder.decoder_flags & LIBRAW_DECODER_OWNALLOC) == 0)
+            toBeCleared_ = &raw.imgdata.rawdata;
+    }
     void StartCount() { read_ = missing_ = 0; }
     /// Readers of bits look a few bytes ahead; more than that was meant to be there.
     bool EndsEarly() const { return missing_ > kLookAhead; }
@@ -92,7 +108,15 @@ class Stream : public LibRaw_buffer_datastream {
         destroyJpeg_(&common);
     }
 
+    void ClearPixels() {
+        void* pixels = toBeCleared_->raw_alloc;
+        if (pixels == nullptr) return;  // not taken yet
+        std::memset(pixels, 0, malloc_usable_size(pixels));
+        toBeCleared_ = nullptr;
+    }
+
     static constexpr std::size_t kLookAhead = 4096;
+    const libraw_rawdata_t* toBeCleared_ = nullptr;
     std::size_t read_ = 0;
     std::size_t missing_ = 0;
     bool jpegDamaged_ = false;
@@ -181,6 +205,7 @@ Result<Decoded> DecodeRaw(ByteView file, const DecodeOptions& options) {
     if (auto reason = RefuseRaw(*raw, options.limits); !reason.empty())
         return platform::Error{std::move(reason)};
     stream.StartCount();
+    stream.ClearPixelsOf(*raw);
     status = raw->unpack();
     if (stream.IsMostlyMissing() ||
         (status == LIBRAW_SUCCESS && IsStub(*raw, file, damaged || stream.IsJpegDamaged())))
