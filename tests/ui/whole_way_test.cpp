@@ -77,7 +77,7 @@ TEST_F(WholeWay, ThumbnailsFromAnEmptyStart) {
         std::filesystem::copy(test::ShareFolder() / "Photos" / photo, *this / "in");
     Start();
 
-    ExpectForm({{io::start::kLocation, "Read images from folder"},
+    ExpectForm({{io::start::kLocation, "Get from folder (directory)"},
                 {io::start::kFolderPath, *this / "in"}});
     ClickRow(0);
     Press(Form().scriptList, Qt::Key_F2);
