@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "engine/branch_tables.h"
 #include "script/names.h"
 #include "support/recording_ui.h"
 #include "support/temp_folder.h"
@@ -142,6 +143,86 @@ TEST_F(Preprocess, OutputsAreLookedAtUnlessTheRunIsOverTheSample) {
     }
     view.run.list.params = {"11,1,\"/out\",1,jpg,0,0,,,0,0,0,"};  // at run time
     EXPECT_TRUE(SubroutineOutputLeftOpen(view));
+}
+
+TEST_F(Preprocess, TheFirstOfThreeFoldersGives) {
+    view.settings.folders.subroutines = folder / "own";
+    view.settings.folders.scripts = folder / "scripts";
+    view.settings.installFolder = folder / "install";
+    Call("S");
+    const auto given = [&] {
+        EXPECT_TRUE(Load());
+        return view.run.list.NameAt(2);
+    };
+    PutSubroutine("install/Subroutines/S", "Despeckle\r\n0\r\n");
+    EXPECT_EQ(given(), "Despeckle");
+    PutSubroutine("scripts/S", "Blur_more\r\n1,75,\r\n");
+    EXPECT_EQ(given(), "Blur_more");
+    PutSubroutine("own/S", "Blur\r\n1,25,\r\n");
+    EXPECT_EQ(given(), "Blur");
+}
+
+TEST_F(Preprocess, NamesAreComparedExactlyAndAllThatAreMissingAreListed) {
+    PutSubroutine("There", "");
+    for (const char* name : {"Nowhere", "There", "there", "Neither"}) Call(name);
+    EXPECT_FALSE(Load());
+    EXPECT_THAT(view.logs.error,
+                ElementsAre("Preprocessing error: Unable to load called subroutine; Nowhere",
+                            "Preprocessing error: Unable to load called subroutine; there",
+                            "Preprocessing error: Unable to load called subroutine; Neither"));
+}
+
+TEST_F(Preprocess, AFileThatEndsEarlyIsNoSubroutine) {
+    test::PutFile(folder / "S.sbr", "SUBRT\r\nBlur\r\n1,25,\r\n");
+    Call("S");
+    EXPECT_FALSE(Load());
+    test::PutFile(folder / "S.sbr", "no Subroutine at all");
+    EXPECT_FALSE(Load());
+}
+
+TEST_F(Preprocess, TwoThousandCommandsAreTaken) {
+    script::Script& script = view.script.commands;
+    script.Add(names::kStartImageLoop, "0");
+    for (int i = 0; i < kMaxRunCommands - 2; ++i) script.Add(names::kCounter, "3,1,1,0,");
+    script.Add(names::kEndImageLoop, "0");
+    FillRunList(view);
+    EXPECT_TRUE(PreprocessRun(view));
+    EXPECT_EQ(view.run.nextPc[1999], 0);  // END goes to START
+    script.Add(names::kCounter, "3,1,1,0,");
+    FillRunList(view);
+    EXPECT_FALSE(PreprocessRun(view));
+}
+
+TEST_F(Preprocess, MarkersAreNotedAnewAndTheStackIsEmpty) {
+    PutSubroutine("S", "Blur\r\n1,25,\r\n");
+    script::Script& script = view.script.commands;
+    script.Add(names::kStartImageLoop, "0");
+    script.Add(names::kLoopStart, "1,3,");
+    Call("S");
+    script.Add(names::kLoopEnd, "0");
+    script.Add(names::kEndImageLoop, "0");
+    FillRunList(view);
+    view.run.stackIndex = 77;
+    view.run.stack[0] = 5;
+    ASSERT_TRUE(PreprocessRun(view));
+    EXPECT_EQ(view.run.runCount, 8);
+    EXPECT_EQ(view.run.stackIndex, 0);
+    EXPECT_EQ(view.run.stack[0], -1);
+    EXPECT_EQ(view.run.nextPc[2], 6);
+    EXPECT_THAT(view.run.loopsAround[2], ElementsAre(3));
+    EXPECT_THAT(view.run.loopsAround[1], IsEmpty());
+}
+
+TEST(LoopsAroundCalls, AreThoseThatCloseBetweenTheCallAndTheEndOfItsSubroutine) {
+    script::Script list;
+    for (const auto name : {names::kLoopStart, names::kSubroutineExecute, names::kLoopStart,
+                            names::kLoopEnd, names::kLoopEnd, names::kSubroutineExecute,
+                            names::kLoopEnd, names::kSubroutineEnd, names::kLoopEnd})
+        list.Add(name, "0");
+    const auto loops = LoopsAroundCalls(list);
+    EXPECT_THAT(loops[1], ElementsAre(4, 6));
+    EXPECT_THAT(loops[5], ElementsAre(6));
+    EXPECT_THAT(loops[0], IsEmpty());
 }
 
 }  // namespace

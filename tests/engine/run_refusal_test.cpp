@@ -136,6 +136,34 @@ TEST_F(Refusal, MarkersTwiceOrReversed) {
     EXPECT_THAT(ErrorLog(), HasSubstr("'END image loop' before 'START image loop (setup)'"));
 }
 
+TEST_F(Refusal, MarkersThatAreMissingOrTwice) {
+    const auto refusal = [&](std::initializer_list<std::string_view> commands) {
+        view.script.commands.Clear();
+        for (const auto name : commands) name == names::kStartImageLoop ? AddStart() : Add(name);
+        Unattended();
+        ui.notices.clear();
+        EXPECT_FALSE(RunHere());
+        EXPECT_EQ(ui.notices.size(), 1U);
+        return ui.notices.front();
+    };
+    constexpr auto kStart = names::kStartImageLoop, kEnd = names::kEndImageLoop;
+    constexpr auto kStep = names::kFlipVertical;
+    EXPECT_EQ(refusal({kStart, kStep, kStep}),
+              "Preprocessing error: no 'END image loop' in script");
+    EXPECT_EQ(refusal({kStart, kEnd, kStep, kEnd}),
+              "Preprocessing error: more than one 'END image loop' in script");
+}
+
+TEST_F(Refusal, AnElseThatComesTooLateIsSaidOnStandardErrorToo) {
+    MakeScript({names::kIfFirstFile, names::kIfEnd, names::kFlipVertical, names::kElseStart,
+                names::kElseEnd});
+    Unattended();
+    EXPECT_FALSE(RunHere());
+    EXPECT_THAT(ErrorLog(), Not(HasSubstr("Preprocessing")));
+    EXPECT_THAT(ui.notices,
+                ElementsAre(HasSubstr("an ELSE_START that does not follow its IF_END")));
+}
+
 TEST_F(Refusal, MoreThan2000Commands) {
     AddStart();
     for (int i = 0; i < 2000; ++i) Add(names::kCounter, "3,1,1,0,");
