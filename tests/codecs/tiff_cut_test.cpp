@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <tiff.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <string>
@@ -160,6 +161,33 @@ TEST(DecodeTiff, DamageInsideTheFileIsNoCut) {
     const auto result = DecodeTiff(damaged, {});
     ASSERT_FALSE(result);
     EXPECT_THAT(result.Message(), StartsWith("TIF: "));
+}
+
+// Such data are forgiven, but a run that does not fit is left out as a whole.
+TEST(DecodeTiff, DeflatedDataThatAreTooLongShowNothingOfTheMemory) {
+    const Samples wanted(500'000, 7);
+    Samples packed(compressBound(wanted.size()));
+    uLongf length = packed.size();
+    ASSERT_EQ(compress(packed.data(), &length, wanted.data(), wanted.size()), Z_OK);
+    packed.resize(length);
+    for (const int samples : {1, 3}) {
+        const DirectoryFirst file{.width = 1000,
+                                  .height = 30,
+                                  .samples = samples,
+                                  .rowsPerStrip = 30,
+                                  .compression = COMPRESSION_ADOBE_DEFLATE,
+                                  .strips = {packed}};
+        const Bytes bytes = file.Write();
+        for (const std::uint8_t litter : {std::uint8_t{50}, std::uint8_t{60}}) {
+            {  // the blocks that the decoder is going to take have been used
+                const Image first = test::FlatImage({1000, 30}, {litter, litter, litter});
+                const Image second = test::FlatImage({1000, 10}, {litter, litter, litter});
+            }
+            const Decoded decoded = MustDecode(bytes);
+            EXPECT_EQ(decoded.image.View().Pixel(0, 0), (Rgb{7, 7, 7}));
+            EXPECT_THAT(decoded.image.View().Bytes(), testing::Each(testing::AnyOf(0, 7)));
+        }
+    }
 }
 
 }  // namespace

@@ -12,6 +12,12 @@ namespace lumo::imaging::codecs {
 
 using platform::Error;
 
+namespace {
+
+constexpr std::size_t kLongestRun = 258;  // that deflated data can state
+
+}  // namespace
+
 std::string TiffReader::ChooseType() {
     type_.bits = header_.bits;
     switch (header_.format) {
@@ -161,6 +167,10 @@ bool TiffReader::ReadChunk(std::uint32_t x, std::uint32_t y, int plane, std::uin
     const auto size = static_cast<tmsize_t>(bytes);
     const std::uint32_t chunk =
         header_.tiled ? TIFFComputeTile(tiff, x, y, 0, sample) : TIFFComputeStrip(tiff, y, sample);
+    // Deflated data that would give more than there is room for is forgiven; then the library
+    // leaves out the whole run that does not fit, and the memory would show what it held before.
+    std::fill_n(target + (bytes - std::min(bytes, kLongestRun)), std::min(bytes, kLongestRun),
+                std::uint8_t{0});
     const tmsize_t got = header_.tiled ? TIFFReadEncodedTile(tiff, chunk, target, size)
                                        : TIFFReadEncodedStrip(tiff, chunk, target, size);
     if (got == size) return true;
