@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <utility>
 
@@ -16,10 +17,12 @@
 #include "ops/overlays/mask.h"
 #include "ops/overlays/mosaic.h"
 #include "ops/overlays/noise.h"
+#include "ops/overlays/overlay_commands.h"
 #include "ops/overlays/tile_grid.h"
 #include "ops/overlays/tile_image.h"
 #include "ops/overlays/tile_over.h"
 #include "ops/overlays/watermark.h"
+#include "silent_interface.h"
 
 namespace lumo::bench {
 namespace {
@@ -38,6 +41,15 @@ void On12Megapixels(benchmark::State& state, const Operation& operation) {
         benchmark::ClobberMemory();
     }
 }
+
+// What everything below is held against.
+void BM_OverlayMemcpy(benchmark::State& state) {
+    const Image source = NoisyImage(k12Megapixels);
+    On12Megapixels(state, [&](imaging::ImageView image) {
+        std::memcpy(image.Row(0), source.View().Row(0), image.Bytes().size());
+    });
+}
+BENCHMARK(BM_OverlayMemcpy)->Unit(benchmark::kMillisecond);
 
 // Argument: the method; at its usual scale or at another one, at full or half opacity.
 void Blend(benchmark::State& state, double scaleFactor, int opacity) {
@@ -130,15 +142,61 @@ BENCHMARK(BM_TileGrid)->Arg(16)->Arg(100)->Arg(666)->Unit(benchmark::kMillisecon
 
 void BM_TileImage(benchmark::State& state) {
     const Image picture = NoisyImage({640, 480});
-    On12Megapixels(state, [&](imaging::ImageView canvas) { TileImage(canvas, picture.View()); });
+    On12Megapixels(state, [&](imaging::ImageView canvas) {
+        if (!TileImage(canvas, picture.View())) std::abort();
+    });
 }
 BENCHMARK(BM_TileImage)->Unit(benchmark::kMillisecond);
 
-void BM_Noise(benchmark::State& state) {
+using NoiseMode = void (*)(imaging::ImageView image, int amount, engine::Random& random);
+
+void Noise(benchmark::State& state, NoiseMode mode) {
     engine::Random random;
-    On12Megapixels(state, [&](imaging::ImageView image) { VaryChannels(image, 10, random); });
+    On12Megapixels(state, [&](imaging::ImageView image) { mode(image, 10, random); });
 }
-BENCHMARK(BM_Noise)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Noise, replace_channels, ReplaceChannels)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Noise, replace_brightness, ReplaceBrightness)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Noise, vary_channels, VaryChannels)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Noise, vary_brightness, VaryBrightness)->Unit(benchmark::kMillisecond);
+
+// A whole command on a 12-megapixel picture that is put back each time.
+void Command(benchmark::State& state, const engine::Command& command, std::string_view params) {
+    SilentInterface silence;
+    engine::CLumoscriptView view(silence);
+    const Image picture = NoisyImage(k12Megapixels);
+    for (auto _ : state) {
+        state.PauseTiming();
+        view.working.main = std::move(*Image::TryCopy(picture.View()));
+        state.ResumeTiming();
+        if (command.run(view, script::ParseParams(params)) != engine::Outcome::Succeeded)
+            std::abort();
+    }
+}
+BENCHMARK_CAPTURE(Command, drop_shadow, kDropShadowCommand, "8,192,192,192,40,50,0,1,50,")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Command, drop_shadow_hard, kDropShadowCommand, "8,192,192,192,40,0,0,1,50,")
+    ->Unit(benchmark::kMillisecond);
+// One line, 5 percent of the height high: bare, on a block, and smooth.
+BENCHMARK_CAPTURE(Command, text, kTextOverlayCommand,
+                  "21,5,90,Copyright 2024 A. Photographer,1,30,30,30,5,1,-24,700,F,F,F,arial,"
+                  "255,255,255,0,0,60,")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Command, text_block, kTextOverlayCommand,
+                  "21,5,90,Copyright 2024 A. Photographer,0,30,30,30,5,1,-24,700,F,F,F,arial,"
+                  "255,255,255,0,0,60,")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Command, text_smooth, kTextOverlayCommand,
+                  "21,5,90,Copyright 2024 A. Photographer,1,30,30,30,5,1,-24,700,F,F,F,arial,"
+                  "255,255,255,1,0,60,")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Command, text_smooth_block, kTextOverlayCommand,
+                  "21,5,90,Copyright 2024 A. Photographer,0,30,30,30,5,1,-24,700,F,F,F,arial,"
+                  "255,255,255,1,0,60,")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Command, text_lines, kTextOverlayAbsoluteCommand,
+                  "18,100,100,0,30,30,30,-96,700,F,F,F,arial,255,255,255,"
+                  "\"Sample $(size)$xFilename: $(filename)$xDate: $(date)\",1,60,")
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace lumo::bench

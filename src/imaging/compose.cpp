@@ -19,11 +19,13 @@ bool HasPixels(Rect rect) {
     return rect.left < rect.right && rect.top < rect.bottom;
 }
 
+constexpr std::uint32_t kWhole = 65536;
+
 LUMO_SIMD_CLONES void MixRow(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes,
-                             double share) {
+                             std::uint32_t share) {
     for (std::size_t i = 0; i < bytes; ++i)
         to[i] = static_cast<std::uint8_t>(
-            static_cast<int>(from[i] * share + to[i] * (1.0 - share) + 0.5));
+            (from[i] * share + to[i] * (kWhole - share) + kWhole / 2) / kWhole);
 }
 
 }  // namespace
@@ -63,14 +65,15 @@ bool OverlayImage(ImageView destination, ConstImageView source, int x, int y, do
     const auto [top, bottom] = clip(y, source.Height(), destination.Height());
     if (!HasPixels({left, top, right, bottom})) return true;
     const std::size_t bytes = StrideOf({right - left, 1});
+    const auto share = static_cast<std::uint32_t>(std::clamp(opacity, 0.0, 1.0) * kWhole + 0.5);
     ForRows(bottom - top, 2 * bytes, [&, firstX = left, firstY = top](int first, int last) {
         for (int row = firstY + first; row < firstY + last; ++row) {
             std::uint8_t* const to = destination.At(firstX, row);
             const std::uint8_t* const from = source.At(firstX - x, row - y);
-            if (opacity >= 1.0)
+            if (share == kWhole)
                 std::memcpy(to, from, bytes);
             else
-                MixRow(to, from, bytes, std::max(opacity, 0.0));
+                MixRow(to, from, bytes, share);
         }
     });
     return true;

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -99,25 +101,56 @@ std::optional<TextBlock> MakeBlock(std::string_view text, const TextFont& font,
     return TextBlock(std::move(*layout), text);
 }
 
-/// The share of the colour in a pixel, by the ink that covers it.
-using Shares = std::array<double, 256>;
+/// What ink makes of the pixels that it covers.
+class Inker {
+  public:
+    Inker(Rgb colour, double opacity)
+        : colour_{double{1} * colour.red, double{1} * colour.green, double{1} * colour.blue} {
+        for (std::size_t i = 0; i < shares_.size(); ++i)
+            shares_[i] = static_cast<double>(i) / kFull * opacity;
+        for (std::size_t c = 0; c < kChannels; ++c)
+            for (std::size_t value = 0; value < 256; ++value)
+                full_[c][value] =
+                    Mixed(colour_[c], static_cast<std::uint8_t>(value), shares_[kFull]);
+    }
 
-void Ink(ImageView image, Rect part, const std::uint8_t* mask, int stride, Rgb colour,
-         const Shares& shares) {
-    const double channels[kChannels] = {double{1} * colour.red, double{1} * colour.green,
-                                        double{1} * colour.blue};
-    const int width = part.right - part.left;
-    for (int y = part.top; y < part.bottom; ++y, mask += stride) {
-        std::uint8_t* pixel = image.At(part.left, y);
-        for (int x = 0; x < width; ++x, pixel += kChannels) {
-            if (mask[x] == 0) continue;
-            const double share = shares[mask[x]];
-            for (int c = 0; c < kChannels; ++c)
-                pixel[c] =
-                    static_cast<std::uint8_t>(channels[c] * share + pixel[c] * (1.0 - share) + 0.5);
+    /// Lays ink on pixels in a row, for each as much as the mask says.
+    void Lay(const std::uint8_t* mask, int count, std::uint8_t* pixel) const {
+        for (int x = 0; x < count;) {
+            if (count - x >= 8 && IsZero(mask + x)) {
+                x += 8;
+                continue;
+            }
+            const int end = std::min(x + 8, count);
+            for (; x < end; ++x)
+                LayOne(mask[x], pixel + static_cast<std::ptrdiff_t>(x) * kChannels);
         }
     }
-}
+
+  private:
+    static constexpr std::size_t kFull = 255;
+
+    static std::uint8_t Mixed(double colour, std::uint8_t value, double share) {
+        return static_cast<std::uint8_t>(colour * share + value * (1.0 - share) + 0.5);
+    }
+    static bool IsZero(const std::uint8_t* eight) {
+        std::uint64_t all;
+        std::memcpy(&all, eight, sizeof all);
+        return all == 0;
+    }
+    void LayOne(std::uint8_t ink, std::uint8_t* pixel) const {
+        if (ink == kFull) {
+            for (std::size_t c = 0; c < kChannels; ++c) pixel[c] = full_[c][pixel[c]];
+        } else if (ink != 0) {
+            for (std::size_t c = 0; c < kChannels; ++c)
+                pixel[c] = Mixed(colour_[c], pixel[c], shares_[ink]);
+        }
+    }
+
+    std::array<double, kChannels> colour_;
+    std::array<double, 256> shares_;  // of the colour, by the ink on a pixel
+    std::array<std::array<std::uint8_t, 256>, kChannels> full_;
+};
 
 // Pixels of the mask that is drawn and laid on the picture at once.
 constexpr int kMaskWidth = 16384;
@@ -142,9 +175,7 @@ bool DrawText(ImageView image, std::string_view text, const TextFont& font, Rect
     const CairoContext cr(cairo_create(mask.get()));
     cairo_set_antialias(
         cr.get(), smoothing == Smoothing::Aliased ? CAIRO_ANTIALIAS_NONE : CAIRO_ANTIALIAS_GRAY);
-    Shares shares;
-    for (std::size_t i = 0; i < shares.size(); ++i)
-        shares[i] = static_cast<double>(i) / 255.0 * std::clamp(opacity, 0.0, 1.0);
+    const Inker inker(colour, std::clamp(opacity, 0.0, 1.0));
     for (int top = ink.top; top < ink.bottom; top += height)
         for (int left = ink.left; left < ink.right; left += width) {
             const Rect part{left, top, std::min(left + width, ink.right),
@@ -162,8 +193,11 @@ bool DrawText(ImageView image, std::string_view text, const TextFont& font, Rect
                 SetLastError(cairo_status_to_string(status));
                 return false;
             }
-            Ink(image, part, cairo_image_surface_get_data(mask.get()),
-                cairo_image_surface_get_stride(mask.get()), colour, shares);
+            const std::uint8_t* row = cairo_image_surface_get_data(mask.get());
+            for (int y = part.top; y < part.bottom; ++y) {
+                inker.Lay(row, part.right - part.left, image.At(part.left, y));
+                row += cairo_image_surface_get_stride(mask.get());
+            }
         }
     return true;
 }

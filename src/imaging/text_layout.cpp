@@ -225,8 +225,8 @@ void TextLayout::DrawPiece(cairo_t* cr, double x, double y, Rect visible) {
     const PangoLayoutLine* line = pango_layout_get_line_readonly(layout_.get(), 0);
     for (GSList* item = line->runs; item != nullptr; item = item->next) {
         const PangoLayoutRun& run = *RunOf(item);
-        // Cairo cuts smooth glyphs off where fitting has made them higher than the font says, but
-        // it knows the extents of outlines.
+        // Smooth letters are outlines too: as glyphs Cairo would keep their pixels for hundreds of
+        // sizes, and cut them off where fitting has made them higher than the font says.
         if (smooth_ || outlines_) {
             AddOutlines(cr, run, x, y, visible);
             cairo_fill(cr);

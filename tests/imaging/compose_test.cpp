@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 
 #include "imaging/last_error.h"
 #include "support/test_images.h"
@@ -80,6 +81,21 @@ TEST(Compose, RefusesNoPicture) {
     EXPECT_TRUE(test::SamePixels(image, source));
 }
 
+TEST(OverlayImage, PercentagesRoundToTheNearestByte) {
+    for (int percent = 0; percent <= 100; ++percent) {
+        Image image = test::RandomImage({64, 64}, 5);
+        const Image before = test::RandomImage({64, 64}, 5),
+                    source = test::RandomImage({64, 64}, 6);
+        ASSERT_TRUE(OverlayImage(image.View(), source.View(), 0, 0, percent / 100.0));
+        for (std::size_t i = 0; i < image.View().Bytes().size(); ++i) {
+            const double exact =
+                (source.View().Bytes()[i] * percent + before.View().Bytes()[i] * (100 - percent)) /
+                100.0;
+            ASSERT_NEAR(image.View().Bytes()[i], exact, 0.502);
+        }
+    }
+}
+
 TEST(OverlayImage, OpacityMixesAndRounds) {
     for (const double opacity : {0.0, 0.2, 0.5, 0.77, 0.999, 1.0, 3.0, -1.0})
         for (const Size size : {Size{1, 1}, Size{7, 5}, Size{129, 3}}) {
@@ -87,13 +103,15 @@ TEST(OverlayImage, OpacityMixesAndRounds) {
             Image actual = test::RandomImage({130, 9}, 22),
                   expected = test::RandomImage({130, 9}, 22);
             ASSERT_TRUE(OverlayImage(actual.View(), source.View(), 2, 3, opacity));
-            const double share = opacity < 0 ? 0 : opacity > 1 ? 1 : opacity;
+            const double limited = opacity < 0 ? 0 : opacity > 1 ? 1 : opacity;
+            const int share = static_cast<int>(std::lround(limited * 65536));
             for (int y = 0; y < size.height; ++y)
                 for (int x = 0; x < size.width && x + 2 < 130; ++x)
                     for (int c = 0; c < 3; ++c) {
                         std::uint8_t& byte = expected.View().At(x + 2, y + 3)[c];
-                        byte = static_cast<std::uint8_t>(source.View().At(x, y)[c] * share +
-                                                         byte * (1.0 - share) + 0.5);
+                        const int over = source.View().At(x, y)[c];
+                        byte = static_cast<std::uint8_t>(
+                            (over * share + byte * (65536 - share) + 32768) / 65536);
                     }
             EXPECT_TRUE(test::SamePixels(actual, expected)) << opacity;
         }

@@ -105,6 +105,58 @@ LUMO_SIMD_CLONES void Overlay(Byte* a, const Byte* b, std::size_t bytes, std::in
         a[i] = Limited(a[i] > b[i] ? light : dark, offset);
     }
 }
+// The same bytes as BlendByte for the methods without a divisor, in loops of vectors.
+
+// n / d, truncated, limited to 255, for n up to 65025; d is not 0. A float holds n and d, and below
+// 256 its quotient errs by far less than the 1 / 255 that lie between two of these.
+inline int Quotient(int n, int d) {
+    const int whole = static_cast<int>(static_cast<float>(n) / static_cast<float>(d));
+    return whole < 255 ? whole : 255;
+}
+
+inline int QuickDodge(int a, int b) {
+    const int dark = a + b < 256 ? 1 : 0;
+    const int over = dark != 0 ? a : 255 - b, under = dark != 0 ? 255 - b : a;
+    // Only a of 0 under b of 255 has nothing to divide by; it becomes 255.
+    const int none = under == 0 ? 1 : 0;
+    const int quotient = Quotient((over + 2 * none) * 128, under + none);
+    return dark != 0 ? quotient : 255 - quotient;
+}
+
+// Twice divided by 255, each time truncated, is once divided by 65025.
+inline int QuickLight(int a, int b) {
+    constexpr int kOne = 255 * 255;
+    const int sum = a * (kOne - (255 - a) * (255 - 2 * b)) + kOne / 2 + 1;
+    const int once = (sum + ((sum + (sum >> 8)) >> 8)) >> 8;  // for sums up to 2^24
+    return (once + 1 + (once >> 8)) >> 8;
+}
+
+inline int QuickGlow(int a, int b) {
+    const int none = a == 255 ? 1 : 0;
+    return none != 0 ? 255 : Quotient(b * b, 255 - a + none);
+}
+
+inline int QuickFreeze(int a, int b) {
+    const int none = b == 0 ? 1 : 0;
+    return none != 0 ? 0 : 255 - Quotient((255 - a) * (255 - a), b + none);
+}
+
+// These know no offset.
+LUMO_SIMD_CLONES void DodgeSoftly(Byte* a, const Byte* b, std::size_t bytes, std::int16_t) {
+    for (std::size_t i = 0; i < bytes; ++i) a[i] = static_cast<Byte>(QuickDodge(a[i], b[i]));
+}
+LUMO_SIMD_CLONES void BurnSoftly(Byte* a, const Byte* b, std::size_t bytes, std::int16_t) {
+    for (std::size_t i = 0; i < bytes; ++i) a[i] = static_cast<Byte>(QuickDodge(b[i], a[i]));
+}
+LUMO_SIMD_CLONES void LightSoftly(Byte* a, const Byte* b, std::size_t bytes, std::int16_t) {
+    for (std::size_t i = 0; i < bytes; ++i) a[i] = static_cast<Byte>(QuickLight(a[i], b[i]));
+}
+LUMO_SIMD_CLONES void MakeGlow(Byte* a, const Byte* b, std::size_t bytes, std::int16_t) {
+    for (std::size_t i = 0; i < bytes; ++i) a[i] = static_cast<Byte>(QuickGlow(a[i], b[i]));
+}
+LUMO_SIMD_CLONES void MakeFrozen(Byte* a, const Byte* b, std::size_t bytes, std::int16_t) {
+    for (std::size_t i = 0; i < bytes; ++i) a[i] = static_cast<Byte>(QuickFreeze(a[i], b[i]));
+}
 LUMO_SIMD_CLONES void Invert(const Byte* from, Byte* to, std::size_t bytes) {
     for (std::size_t i = 0; i < bytes; ++i) to[i] = static_cast<Byte>(255 - from[i]);
 }
@@ -113,6 +165,20 @@ using UsualLoop = void (*)(Byte* a, const Byte* b, std::size_t bytes, std::int16
 
 // Null for a method or a divisor that has none.
 UsualLoop UsualLoopOf(const BlendParams& params) {
+    switch (params.method) {
+        case BlendMethod::SoftDodge:
+            return DodgeSoftly;
+        case BlendMethod::SoftBurn:
+            return BurnSoftly;
+        case BlendMethod::SoftLight:
+            return LightSoftly;
+        case BlendMethod::Glow:
+            return MakeGlow;
+        case BlendMethod::Freeze:
+            return MakeFrozen;
+        default:
+            break;
+    }
     if (params.scale != UsualScale(params.method)) return nullptr;
     switch (params.method) {
         case BlendMethod::Addition:

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "imaging/last_error.h"
 #include "imaging/parallel.h"
 #include "imaging/resample.h"
 #include "ops/overlays/overlay_commands.h"
@@ -37,9 +38,10 @@ Outcome RunTileImage(CLumoscriptView& view, const Fields& fields) {
         OnCommandFailure(view, "Tile: memory failure", LibraryError::Append);
         return Outcome::Failed;
     }
-    TileImage(canvas->View(), std::as_const(view.working.main).View());
+    const bool ok = TileImage(canvas->View(), std::as_const(view.working.main).View());
+    if (!ok) OnCommandFailure(view, "Cmd_86 Tile image L13029: ", LibraryError::Append);
     ReplaceMainImage(view, std::move(*canvas));
-    return Outcome::Succeeded;
+    return ToOutcome(ok);
 }
 
 // The canvas is reduced until it fits into the place of the sample; the copies shrink with it.
@@ -57,15 +59,19 @@ Image PreviewTileImage(ConstImageView before, Size sample, const Fields& fields)
     auto small = Image::TryCreate(shrunk(sample));
     auto after = Image::TryCreate(shrunk(canvas));
     if (!small || !after ||
-        !imaging::ResizeImage(before, small->View(), imaging::ResampleFilter::Bilinear))
+        !imaging::ResizeImage(before, small->View(), imaging::ResampleFilter::Bilinear) ||
+        !TileImage(after->View(), std::as_const(*small).View()))
         return {};
-    TileImage(after->View(), std::as_const(*small).View());
     return std::move(*after);
 }
 
 }  // namespace
 
-void TileImage(ImageView canvas, ConstImageView picture) {
+bool TileImage(ImageView canvas, ConstImageView picture) {
+    if (canvas.IsEmpty() || picture.IsEmpty()) {
+        imaging::SetLastError("there is no picture to repeat");
+        return false;
+    }
     const std::size_t bytes = canvas.Stride();
     const std::size_t own = std::min(picture.Stride(), bytes);
     imaging::ForRows(canvas.Height(), 2 * bytes, [&](int first, int last) {
@@ -80,6 +86,7 @@ void TileImage(ImageView canvas, ConstImageView picture) {
                 std::memcpy(row + done, row, std::min(done, bytes - done));
         }
     });
+    return true;
 }
 
 const Command kTileImageCommand{

@@ -47,8 +47,10 @@ TEST(MosaicImage, AveragesAsThePlainLoop) {
     const auto upTo = [&](int most) { return 1 + static_cast<int>(random() % most); };
     for (int i = 0; i < 300; ++i) ExpectAsPlain({upTo(40), upTo(40)}, {upTo(20), upTo(20)});
     for (const int width : {1023, 1024, 1025, 2049, 3000})
-        for (const int block : {1, 341, 1023, 1024, 1025, 1500, 5000})
+        for (const int block : {1, 2, 3, 4, 5, 6, 7, 341, 1023, 1024, 1025, 1500, 5000})
             ExpectAsPlain({width, 5}, {block, 2});
+    for (const int height : {600, 1024, 2048, 5000})  // narrow, but too large for floats in the end
+        for (const int block : {2, 4, 5}) ExpectAsPlain({40, height + 3}, {block, height});
 }
 
 TEST(MosaicImage, ThreadsGiveTheSameBytes) {

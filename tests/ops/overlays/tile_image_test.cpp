@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <utility>
+
 #include "imaging/parallel.h"
 #include "ops/overlays/overlay_commands.h"
 #include "support/command_runner.h"
@@ -30,11 +32,17 @@ TEST(TileImage, RepeatsThePictureFromTheTopLeft) {
             for (const Size size : {Size{1, 1}, Size{16, 9}, Size{51, 33}, Size{1500, 1100}}) {
                 const Image picture = test::RandomImage(source, 3);
                 auto canvas = Image::TryCreate(size);
-                TileImage(canvas->View(), picture.View());
+                ASSERT_TRUE(TileImage(canvas->View(), picture.View()));
                 ExpectTiled(*canvas, picture, size);
             }
     }
     imaging::SetKernelThreads(1);
+}
+
+TEST(TileImage, RefusesPicturesWithoutPixels) {
+    Image image = test::RandomImage({3, 2}, 1);
+    EXPECT_FALSE(TileImage(image.View(), {}));
+    EXPECT_FALSE(TileImage({}, std::as_const(image).View()));
 }
 
 TEST(TileImageCommand, ASmallerCanvasKeepsTheTopLeft) {
