@@ -132,13 +132,21 @@ void ExpectWholePictures(const std::string& path) {
     }
 }
 
+fs::file_time_type WrittenAt(const std::string& path) {
+    std::error_code missing;
+    const auto time = fs::last_write_time(path, missing);
+    return missing ? fs::file_time_type::min() : time;
+}
+
 TEST_F(Faults, AKillInTheMiddleLeavesWholeFilesAndTheNextRunDoesTheRest) {
     AddPictures(60);
     const std::string script = MakeScript("Scale: change image size\r\n6,0,0,640,480,3,0,\r\n");
     std::mt19937 random(1);
     for (int round = 0; round < 5; ++round) {
-        const auto result = test::RunProgram({kBatch, script, "--debug-log"}, [&](int process) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(20 + random() % 100));
+        const auto start = fs::file_time_type::clock::now();
+        const auto result = test::RunProgram({kBatch, script}, [&](int process) {
+            const std::string chosen = folder / ("out/" + std::to_string(random() % 50) + ".png");
+            test::WaitUntil([&] { return WrittenAt(chosen) > start; });
             kill(process, SIGKILL);
         });
         EXPECT_THAT(result.exitStatus, AnyOf(128 + SIGKILL, 0));
@@ -154,10 +162,7 @@ TEST_F(Faults, AfterACrashDebugLogEndsWithTheCommandInHandAndThereIsNoBatchLog) 
     AddPictures(1);
     const auto result =
         test::RunProgram({kBatch, MakeScript(kEndless), "--debug-log"}, [&](int process) {
-            for (int i = 0; i < 500; ++i) {
-                if (Log("Debug.log").find("endless loop?") != std::string::npos) break;
-                std::this_thread::sleep_for(std::chrono::milliseconds(10));
-            }
+            WaitForDebugLog(kEndlessLogged);
             kill(process, SIGKILL);
         });
     EXPECT_EQ(result.exitStatus, 128 + SIGKILL);

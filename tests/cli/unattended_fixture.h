@@ -46,6 +46,12 @@ class Unattended : public testing::Test {
         return test::FileText(folder / ("home/Documents/Lumoscript/Logs/" + name));
     }
 
+    /// Waits until a program that keeps Debug.log has gone so far as to write `text` there.
+    void WaitForDebugLog(const std::string& text) {
+        EXPECT_TRUE(
+            test::WaitUntil([&] { return Log("Debug.log").find(text) != std::string::npos; }));
+    }
+
     test::TempFolder folder;
     test::ScopedVariable home{"HOME", folder / "home"};
     test::ScopedVariable config{"XDG_CONFIG_HOME", folder / "config"};
@@ -53,9 +59,10 @@ class Unattended : public testing::Test {
     test::ScopedVariable bus{"DBUS_SESSION_BUS_ADDRESS", nullptr};
 };
 
-/// A Script that never ends, which is its author's right.
+/// A Script that never ends, which is its author's right, and what Debug.log says of it.
 inline constexpr const char* kEndless =
     "DO_WHILE (condition)\r\n5,4,2,0,0,0,\r\nCounter (reset or increment)\r\n3,1,1,1,\r\n"
     "DO_END\r\n0\r\n";
+inline constexpr const char* kEndlessLogged = "endless loop?";
 
 }  // namespace lumo

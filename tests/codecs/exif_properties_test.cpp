@@ -23,7 +23,7 @@ using testing::Not;
 
 constexpr std::size_t kBlockAt = 6;  // behind "Exif\0\0"
 
-std::string N(std::uint32_t value, int bytes, bool highFirst = false) {
+std::string N(std::uint64_t value, int bytes, bool highFirst = false) {
     std::string text;
     for (int i = 0; i < bytes; ++i)
         text += static_cast<char>(value >> (8 * (highFirst ? bytes - 1 - i : i)));

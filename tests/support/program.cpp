@@ -5,8 +5,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <string>
+#include <thread>
 
 #include "support/temp_folder.h"
 
@@ -55,6 +57,15 @@ ProgramResult RunProgram(const std::vector<std::string>& arguments,
     result.out = FileText(outPath);
     result.err = FileText(errPath);
     return result;
+}
+
+bool WaitUntil(const std::function<bool()>& condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return true;
 }
 
 }  // namespace lumo::test
