@@ -4,8 +4,10 @@ set(LUMO_PACKAGING ${PROJECT_SOURCE_DIR}/packaging)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/share/ DESTINATION ${CMAKE_INSTALL_DATADIR}/lumoscript
         COMPONENT batch)
-install(FILES ${LUMO_PACKAGING}/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/lumoscript-batch
-        COMPONENT batch)
+install(FILES ${LUMO_PACKAGING}/copyright ${PROJECT_SOURCE_DIR}/README.md
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/lumoscript-batch COMPONENT batch)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/lumoscript-batch COMPONENT batch)
 
 install(FILES ${LUMO_PACKAGING}/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/lumoscript
         COMPONENT desktop)

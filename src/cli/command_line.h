@@ -12,6 +12,7 @@ enum class Program { Desktop, Batch };
 
 struct CommandLine {
     std::string scriptPath;      // empty: none stated
+    std::string inputPath;       // --input: in place of what START names
     bool autoRun = false;        // /r
     bool autoExit = false;       // /x, only together with /r
     bool noPrompts = false;      // /s
@@ -19,7 +20,8 @@ struct CommandLine {
     bool debugLog = false;       // --debug-log
     bool quiet = false;          // --quiet
 
-    /// The program is to print `text` and end with `exitCode` (help, version, wrong use).
+    /// The program is to print `text` and end with `exitCode` (help, version, list of commands,
+    /// wrong use).
     bool stop = false;
     int exitCode = 0;
     std::string text;
@@ -29,8 +31,9 @@ struct CommandLine {
 };
 
 /// Reads the arguments behind the program's name. A switch is a whole argument, "/r" or "-r", in
-/// any case; what begins with "--" is an option, as is "-h"; everything else is the Script, and so
-/// is what follows "--". One Script at most. The batch program is unattended in any case.
+/// any case; what begins with "--" is an option, as are "-h", "-?" and "/?"; everything else is the
+/// Script, and so is what follows "--". One Script at most. The batch program is unattended in any
+/// case.
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments, Program program);
 
 /// Name and version, one line.

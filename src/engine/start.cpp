@@ -1,9 +1,11 @@
 #include "engine/start.h"
 
 #include <ctime>
+#include <vector>
 
 #include "engine/editing.h"
 #include "imaging/pixel_buffer.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 #include "script/names.h"
 #include "script/script_file.h"
@@ -29,12 +31,28 @@ void StartView(CLumoscriptView& view, SettingsFile settingsFile) {
     view.script.modified = true;  // nothing of it is in a file
 }
 
-bool OpenScript(CLumoscriptView& view, const std::string& path, std::string_view failure) {
+std::string FindScript(const CLumoscriptView& view, const std::string& stated) {
+    if (stated.empty() || platform::GetFileStatus(stated)) return stated;
+    std::vector<std::string> folders{""};
+    if (stated.find('/') == std::string::npos)
+        folders.insert(folders.end(), {platform::AddBackSlash(view.settings.folders.scripts),
+                                       view.settings.installFolder + "/Scripts/"});
+    for (const std::string& folder : folders)
+        for (const std::string_view extension : {"", ".whs"})
+            if (std::string path = (folder + stated).append(extension); platform::FileExists(path))
+                return path;
+    return stated;
+}
+
+bool OpenScript(CLumoscriptView& view, const std::string& stated, std::string_view failure) {
+    const std::string path = FindScript(view, stated);
     script::Script loaded;
     const auto status = script::LoadScript(
         path, loaded, [&](std::string_view words) { view.ui.ShowMessage(words); });
     if (!status) {
         view.ui.ShowMessage(failure);
+        // The words tell neither file nor reason, and on a terminal nobody sees a file dialog.
+        if (view.run.noPrompts) view.ui.Notice(status.Message());
         return false;
     }
     script::EnsureMarkers(loaded, DefaultParams(view, script::names::kStartImageLoop));

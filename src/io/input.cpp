@@ -104,9 +104,11 @@ bool LoadWorkingImage(CLumoscriptView& view, const std::string& path) {
     view.working.main = std::move(decoded->image);
     engine::SetFullColour(view);
     ReadMetadata(view, *bytes);
-    if (!decoded->warning.empty())
+    if (!decoded->warning.empty()) {
+        ++view.run.warningCount;
         ReportImage(view,
                     " Warning - image file is damaged: " + platform::Printable(decoded->warning));
+    }
     return true;
 }
 

@@ -87,10 +87,14 @@ int CreateFolderPath(CLumoscriptView& view, std::string_view stated) {
     if (path.size() > 1 && path.ends_with('/')) path.pop_back();
     if (platform::FolderExists(path)) return 1;
     // Whether it worked shows in what is there afterwards.
-    if (!BeginsWithDrive(path)) static_cast<void>(platform::MakeFolders(path));
+    std::string reason = platform::Printable(path) + ": there are no drives here";
+    if (!BeginsWithDrive(path))
+        if (const auto made = platform::MakeFolders(path); !made) reason = made.Message();
     const auto status = platform::GetFileStatus(path);
     if (!status) {
         view.ui.ShowMessage(" failed to create folder, invalid_handle2");
+        // The words alone say neither which folder nor why.
+        if (view.run.noPrompts) view.ui.Notice(reason);
         return 0;
     }
     if (!status->isFolder) {

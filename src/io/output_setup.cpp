@@ -79,6 +79,7 @@ std::string PanelOf(const Fields& fields) {
 /// logs; whoever started it is there to be told.
 void ReportNoOutput(CLumoscriptView& view, const std::string& path, std::string_view text) {
     if (!view.run.batchRunning) {
+        if (path.empty()) return;  // that no folder is named was said when it was to be made
         view.ui.ShowMessage(std::string(text).append("\n").append(platform::Printable(path)));
         return;
     }

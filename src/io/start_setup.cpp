@@ -88,8 +88,8 @@ constexpr FieldGroup kGroups[] = {
 };
 // The controls of one source at a time.
 constexpr ShownWhen kShown[] = {{start::kListPath, start::kLocation, start::kFromList},
-                                {start::kFolderPath, start::kLocation, "2"},
-                                {start::kSubfolders, start::kLocation, "2"}};
+                                {start::kFolderPath, start::kLocation, start::kFromFolder},
+                                {start::kSubfolders, start::kLocation, start::kFromFolder}};
 constexpr DialogSpec kDialog{.title = "Start: input setup",
                              .windowState = "WS76",
                              .helpTopic = "StartInputsetup",

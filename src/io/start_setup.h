@@ -49,7 +49,8 @@ enum Field {
     kSubfolders,
     kFieldCount
 };
-inline constexpr std::string_view kFromList = "1";  // of kLocation; "0" at run time, "2" a folder
+// Of kLocation; "0" at run time.
+inline constexpr std::string_view kFromList = "1", kFromFolder = "2";
 }  // namespace start
 
 /// A type of input file and the field that takes it or leaves it out.

@@ -23,11 +23,16 @@ void Show(const MessageSink& show, std::string_view message) {
     if (show) show(message);
 }
 
-Status ToStatus(ReadOutcome outcome, const std::string& path, std::string_view wrongKind) {
+Status ToStatus(ReadOutcome outcome, const std::string& path, std::string_view bytes,
+                std::string_view wrongKind) {
     switch (outcome) {
         case ReadOutcome::Complete:
             break;
         case ReadOutcome::NoEnd:
+            // What many editors make of a Script: all of it is one line.
+            if (bytes.find('\r') == std::string_view::npos)
+                return Error{platform::Printable(path) +
+                             ": its lines end in LF alone, those of a Script end in CR LF"};
             return Error{platform::Printable(path) + ": no line \"END\""};
         case ReadOutcome::TooShort:
             return Error{platform::Printable(path) + ": too short"};
@@ -42,7 +47,7 @@ Status LoadBytes(const std::string& bytes, const std::string& path, Script& scri
     ParsedScript parsed = ParseScriptBytes(bytes);
     script = std::move(parsed.script);
     if (parsed.outcome == ReadOutcome::WrongKind) Show(show, words::kNotAScript);
-    return ToStatus(parsed.outcome, path, words::kNotAScript);
+    return ToStatus(parsed.outcome, path, bytes, words::kNotAScript);
 }
 
 }  // namespace
@@ -88,7 +93,7 @@ Status AppendSubroutine(const std::string& path, Script& script, const MessageSi
     if (!bytes) return Error{bytes.Message()};
     const ReadOutcome outcome = AppendSubroutineBytes(script, *bytes, platform::GetFileTitle(path));
     if (outcome == ReadOutcome::WrongKind) Show(show, words::kNotASubroutine);
-    return ToStatus(outcome, path, words::kNotASubroutine);
+    return ToStatus(outcome, path, *bytes, words::kNotASubroutine);
 }
 
 }  // namespace lumo::script

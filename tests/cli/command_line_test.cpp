@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "engine/command_reference.h"
+
 namespace lumo::cli {
 namespace {
 
@@ -93,8 +95,12 @@ TEST(CommandLine, WrongUseEndsWithTwo) {
     EXPECT_EQ(Desktop({"/r", "/x", "/s"}).exitCode, 2);
     EXPECT_EQ(Batch({""}).exitCode, 2);
     EXPECT_FALSE(Desktop({}).stop);  // just the window
-    EXPECT_EQ(Batch({"a.whs", "b.whs"}).text,
-              "lumoscript-batch: one Script at a time. See lumoscript-batch --help.\n");
+    EXPECT_EQ(
+        Batch({"a.whs", "b.whs"}).text,
+        "lumoscript-batch: one Script at a time, not \"a.whs\" and \"b.whs\". Each switch stands "
+        "alone. See lumoscript-batch --help.\n");
+    EXPECT_EQ(Batch({"a.whs", "--debuglog"}).text,
+              "lumoscript-batch: \"--debuglog\" is no option. See lumoscript-batch --help.\n");
     EXPECT_EQ(Desktop({"/r", "/x", "/s"}).text,
               "lumoscript: which Script is to run? See lumoscript --help.\n");
 }
@@ -106,6 +112,38 @@ TEST(CommandLine, HelpTellsSwitchesAndExitStatus) {
     EXPECT_THAT(line.text, HasSubstr("Usage: lumoscript-batch"));
     EXPECT_THAT(line.text, HasSubstr("SCRIPT"));
     EXPECT_THAT(line.text, HasSubstr("130"));
+}
+
+TEST(CommandLine, HelpIsOfTheProgramThatWasAsked) {
+    const std::string batch = Batch({"--help"}).text, desktop = Desktop({"--help"}).text;
+    EXPECT_THAT(batch, HasSubstr("\n  lumoscript-batch Thumbnails.whs\n"));
+    EXPECT_THAT(batch, testing::Not(HasSubstr("/x"))) << "switches that it takes for granted";
+    EXPECT_THAT(desktop, HasSubstr("\n  lumoscript Thumbnails.whs /r /x /s /e\n"));
+    EXPECT_THAT(desktop, HasSubstr("-x "));
+    for (const std::string& text : {batch, desktop}) {
+        EXPECT_THAT(text, HasSubstr("Error.log in ~/Documents/Lumoscript/Logs"));
+        EXPECT_THAT(text, HasSubstr("settings.toml"));
+    }
+    EXPECT_EQ(Batch({"/?"}).text, batch);
+    EXPECT_EQ(Batch({"-?"}).text, batch);
+}
+
+TEST(CommandLine, TheInputIsWhatStandsBehindIt) {
+    const CommandLine line = Batch({"--input", "/x", "a.whs"});
+    EXPECT_FALSE(line.stop) << line.text;
+    EXPECT_EQ(line.inputPath, "/x");
+    EXPECT_EQ(line.scriptPath, "a.whs");
+    EXPECT_EQ(Batch({"a.whs", "--input=b c"}).inputPath, "b c");
+    EXPECT_EQ(Batch({"a.whs", "--input"}).exitCode, 2);
+    EXPECT_EQ(Desktop({"a.whs", "--input", "b"}).exitCode, 2) << "the window asks for it";
+    EXPECT_FALSE(Desktop({"a.whs", "/r", "/x", "/s", "--input", "b"}).stop);
+}
+
+TEST(CommandLine, CommandsAreListed) {
+    const CommandLine line = Batch({"--commands"});
+    EXPECT_TRUE(line.stop);
+    EXPECT_EQ(line.exitCode, 0);
+    EXPECT_EQ(line.text, engine::CommandReference());
 }
 
 TEST(CommandLine, VersionIsOneLine) {

@@ -76,6 +76,114 @@ TEST_F(Unattended, AFileThatIsNoScriptTouchesNothing) {
     EXPECT_FALSE(fs::exists(folder / "out"));
 }
 
+TEST_F(Unattended, AScriptThatIsNotOpenedIsNamedWithTheReason) {
+    const auto said = [](const std::string& path) { return test::RunProgram({kBatch, path}).err; };
+    EXPECT_THAT(said(folder / "none.whs"),
+                HasSubstr((folder / "none.whs") + ": No such file or directory\n"));
+    EXPECT_THAT(said(folder / "in"), HasSubstr((folder / "in") + ": "));
+    test::PutFile(folder / "lf.whs", "BEGIN\nFlip - vertical\n0\nEND\n");
+    EXPECT_THAT(said(folder / "lf.whs"),
+                HasSubstr((folder / "lf.whs") +
+                          ": its lines end in LF alone, those of a Script end in CR LF\n"));
+    test::PutFile(folder / "open.whs", "BEGIN\r\nFlip - vertical\r\n0\r\n");
+    EXPECT_THAT(said(folder / "open.whs"),
+                HasSubstr((folder / "open.whs") + ": no line \"END\"\n"));
+}
+
+TEST_F(Unattended, AShippedScriptNeedsNoMoreThanItsName) {
+    const fs::path before = fs::current_path();
+    fs::current_path(folder.Path());
+    const auto result = test::RunProgram({kBatch, "Thumbnails"});
+    fs::current_path(before);
+    EXPECT_EQ(result.exitStatus, 0) << result.err;
+    EXPECT_THAT(test::NamesIn(folder / "out/Thumbnails"), testing::SizeIs(9));
+}
+
+TEST_F(Unattended, AnotherInputMayBeNamedForTheSameScript) {
+    AddPictures(2);
+    const std::string script = MakeScript("");
+    fs::rename(folder / "in", folder / "it's, other");
+    const auto run = test::RunProgram({kBatch, "--input", folder / "it's, other", script});
+    EXPECT_EQ(run.exitStatus, 0) << run.err;
+    EXPECT_THAT(test::NamesIn(folder / "out"), ElementsAre("0.png", "1.png"));
+
+    test::PutFile(folder / "one.lst", "START\r\n" + (folder / "it's, other/1.png") + "\r\nEND\r\n");
+    fs::remove_all(folder / "out");
+    const auto list = test::RunProgram({kBatch, script, "--input=" + (folder / "one.lst")});
+    EXPECT_EQ(list.exitStatus, 0) << list.err;
+    EXPECT_THAT(test::NamesIn(folder / "out"), ElementsAre("1.png"));
+
+    const auto none = test::RunProgram({kBatch, script, "--input", folder / "none"});
+    EXPECT_EQ(none.exitStatus, 1);
+    EXPECT_EQ(none.err, "Input folder " + (folder / "none") + ": No such file or directory\n");
+}
+
+TEST_F(Unattended, AnInputThatIsNotThereIsNamedAndGivesOne) {
+    AddPictures(1);
+    const std::string script = MakeScript("");
+    fs::remove_all(folder / "in");
+    const auto folderGone = test::RunProgram({kBatch, "--quiet", script});
+    EXPECT_EQ(folderGone.exitStatus, 1);
+    EXPECT_EQ(folderGone.err, "Input folder " + (folder / "in") + ": No such file or directory\n");
+
+    std::string text = test::FileText(script);
+    text.replace(text.find("32,2,,"), 6, "32,1,\"" + (folder / "no.lst") + "\",");
+    test::PutFile(script, text);
+    const auto listGone = test::RunProgram({kBatch, script});
+    EXPECT_EQ(listGone.exitStatus, 1);
+    EXPECT_EQ(listGone.err, "Image list " + (folder / "no.lst") + ": No such file or directory\n");
+}
+
+TEST_F(Unattended, AFolderWithoutPicturesIsNoMistake) {
+    const auto result = test::RunProgram({kBatch, MakeScript("")});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(result.out, StartsWith("0 images read, 0 files written, 0 errors, 0 warnings, "));
+    EXPECT_THAT(result.err, IsEmpty());
+}
+
+TEST_F(Unattended, TheInputMayBeMadeAboveStart) {
+    fs::remove_all(folder / "in");
+    std::string text = test::FileText(MakeScript(""));
+    const std::string canvas = "New (canvas)\r\n6,64,48,0,0,0,0,\r\nOutput setup\r\n11,0,\"" +
+                               (folder / "in") + "\",0,png,0,3,,made,0,0,1,\r\n";
+    text.insert(text.find("START"), canvas);
+    test::PutFile(folder / "test.whs", text);
+    const auto result = test::RunProgram({kBatch, folder / "test.whs"});
+    EXPECT_EQ(result.exitStatus, 0) << result.err;
+    EXPECT_THAT(test::NamesIn(folder / "out"), ElementsAre("made.png"));
+}
+
+TEST_F(Unattended, ANameThatIsNoCommandIsToldOnceWithTheOneThatIsMeant) {
+    AddPictures(2);
+    const auto run = test::RunProgram({kBatch, MakeScript("Flip - horizontal\r\n0\r\n")});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_THAT(run.err, StartsWith("\"Flip - horizontal\" is no command; is \"Flip - horizonal\" "
+                                    "meant?\n"));
+    const auto refused = test::RunProgram(
+        {kBatch, MakeScript("Loop Start (by number)\r\n1,3,\r\nLoop End\r\n0\r\n")});
+    EXPECT_EQ(refused.exitStatus, 3);
+    EXPECT_THAT(refused.err,
+                HasSubstr("\"Loop End\" is no command; is \"Loop End (by number)\" meant?\n"));
+}
+
+TEST_F(Unattended, AnOutputFolderThatCannotBeMadeIsNamedWithTheReason) {
+    AddPictures(1);
+    const auto result = test::RunProgram(
+        {kBatch, MakeScript("", "Output setup\r\n11,0,\"" + (folder / "in/0.png/out") +
+                                    "\",0,png,0,0,,,0,0,1,\r\n")});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.err, HasSubstr("invalid_handle2\n" + (folder / "in/0.png")));
+    EXPECT_THAT(result.err, HasSubstr(": Not a directory\n"));
+}
+
+TEST_F(Unattended, WithoutADisplayTheWindowIsRefusedInOneLine) {
+    const test::ScopedVariable wayland("WAYLAND_DISPLAY", nullptr);
+    const test::ScopedVariable platform("QT_QPA_PLATFORM", nullptr);
+    const auto result = test::RunProgram({kDesktop, MakeScript("")});
+    EXPECT_EQ(result.exitStatus, 2);
+    EXPECT_THAT(result.err, StartsWith("lumoscript: no display for the window."));
+}
+
 TEST_F(Unattended, AFolderLeftOpenGivesThreeAndWords) {
     const auto result = test::RunProgram(
         {kBatch, MakeScript("", "Output setup\r\n11,0,,0,jpg,0,0,,,0,0,0,\r\n"), "/e"});
@@ -113,6 +221,7 @@ TEST_F(Unattended, SigintEndsAnEndlessRunWithItsLogs) {
             kill(process, SIGINT);
         });
     EXPECT_EQ(result.exitStatus, 130);
+    EXPECT_THAT(result.out, testing::EndsWith(" s, ended before all was done\n"));
     EXPECT_THAT(Log("Error.log"), HasSubstr("User aborted."));
     EXPECT_THAT(Log("Batch.log"), HasSubstr("Elapsed processing time"));
     EXPECT_FALSE(fs::exists(folder / "out/0.png"));

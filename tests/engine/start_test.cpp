@@ -146,5 +146,25 @@ TEST_F(Opening, LeavesTheScriptThatStandsWhereItFails) {
     EXPECT_EQ(view.script.caption, "Script name: good");
 }
 
+TEST_F(Start, AScriptIsFoundByItsNameAmongTheUsersAndTheShippedOnes) {
+    const std::string scripts = root / "home/Documents/Lumoscript/Scripts";
+    const std::string shipped = root / "install/Scripts";
+    fs::create_directories(shipped);
+    StartView(view, SettingsFile::ReadAndWrite);
+    test::PutFile(shipped + "/Both.whs", "");
+    test::PutFile(scripts + "/Both.whs", "");
+    test::PutFile(shipped + "/Shipped.whs", "");
+    test::PutFile(root / "mine", "");
+    EXPECT_EQ(FindScript(view, "Both"), scripts + "/Both.whs");
+    EXPECT_EQ(FindScript(view, "Both.whs"), scripts + "/Both.whs");
+    EXPECT_EQ(FindScript(view, "Shipped"), shipped + "/Shipped.whs");
+    EXPECT_EQ(FindScript(view, shipped + "/Shipped"), shipped + "/Shipped.whs");
+    EXPECT_EQ(FindScript(view, root / "mine"), root / "mine");
+    // What states a folder is looked for nowhere else, and what is nowhere stays as it was said.
+    EXPECT_EQ(FindScript(view, "./Shipped.whs"), "./Shipped.whs");
+    EXPECT_EQ(FindScript(view, "None"), "None");
+    EXPECT_EQ(FindScript(view, ""), "");
+}
+
 }  // namespace
 }  // namespace lumo::engine

@@ -247,6 +247,8 @@ TEST_F(InputTest, ADamagedFileThatGivesAPictureIsOpenedAndNoted) {
     EXPECT_THAT(batch, ElementsAre(testing::StartsWith("1 :  Warning - image file is damaged: ")));
     EXPECT_THAT(error, ElementsAre(testing::StartsWith("1 Warning - image file is damaged: ")));
     EXPECT_EQ(view.openedImages, 1);
+    EXPECT_EQ(view.run.warningCount, 1);
+    EXPECT_EQ(view.run.errorCount, 0);
 }
 
 TEST_F(InputTest, AFolderThatIsListedAsAFileIsAnError) {

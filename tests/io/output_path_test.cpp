@@ -112,6 +112,16 @@ TEST_F(OutputFolderTest, FailuresHaveTheirWords) {
     EXPECT_THAT(bench.ui.messages,
                 ElementsAre("no output folder path specified", "error 9755 in creating directory",
                             " failed to create folder, invalid_handle2"));
+    EXPECT_THAT(bench.ui.notices, IsEmpty());
+}
+
+TEST_F(OutputFolderTest, UnattendedTheReasonIsToldToo) {
+    view.run.noPrompts = true;
+    test::PutFile(bench.Out("file"), "x");
+    EXPECT_EQ(CreateFolderPath(view, bench.Out("file/below")), 0);
+    EXPECT_EQ(CreateFolderPath(view, "C:/Out"), 0);
+    EXPECT_THAT(bench.ui.notices, ElementsAre(testing::EndsWith(": Not a directory"),
+                                              "C:/Out: there are no drives here"));
 }
 
 TEST_F(OutputFolderTest, NothingIsMadeForADriveLetter) {

@@ -91,8 +91,8 @@ def reload():
     return command("Reload image file")
 
 
-def park():
-    return command("Output (temporary)", "0", "")
+def park(slot=1):
+    return command("Output (temporary)", slot - 1, "")
 
 
 def fetch():

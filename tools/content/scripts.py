@@ -36,8 +36,9 @@ def web_set():
 
 
 def contact_sheet():
-    """The sheet waits in temporary slot 1 while a cell is made; counter A knows the next place."""
-    cell = ".\\out\\Contact-sheet\\cell.bmp"
+    """The sheet waits in temporary slot 1 while a cell is made, the cell in slot 2 while it is placed;
+    counter A knows the next place."""
+    cell = "<TEMP_FOLDER>\\Temp2.bmp"
     columns, left, top, step_x, step_y = 3, 40, 110, 380, 340
     places = [when(COUNTER_A, EQUAL, number,
                    [place(cell, left + number % columns * step_x, top + number // columns * step_y)])
@@ -52,10 +53,10 @@ def contact_sheet():
              "the page, those below END save", "it. Counter A is the place of the", "next picture.",
              "Output: out\\Contact-sheet"),
         when(COUNTER_A, ABOVE, 8, [leave_image()]),
-        fit(336, 262),
+        fit(336, 246),
         canvas(360, 320, PAPER),
-        caption("$(filetitle)", 50, 92, 17, SOFT_INK, anchor="1"),
-        output("Contact-sheet", "bmp", prefix="cell", input_name=False),
+        caption("$(filetitle)", 50, 93, 17, SOFT_INK, anchor="1"),
+        park(2),
         fetch(),
         places,
         park(),
