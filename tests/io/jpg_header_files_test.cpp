@@ -88,6 +88,30 @@ TEST(JpgHeaderFiles, ScanDataStaysByteForByte) {
     }
 }
 
+TEST(JpgHeaderFiles, BrokenOnesAreAnsweredAndStayOrKeepTheirPicture) {
+    int stayed = 0;
+    for (const fs::path& file : test::TestFilesIn("jpg/invalid")) {
+        const std::string before = FileText(file);
+        for (const char* mode : {"0", "2"}) {
+            Trial trial(file, mode);
+            const std::string after = FileText(trial.path);
+            const bool answered =
+                std::ranges::any_of(trial.bench.ErrorLines(), [](const std::string& line) {
+                    return line.starts_with("Cmd_52 JPGheader New Markers L17563:   IS_error ");
+                });
+            EXPECT_EQ(after == before, answered) << file;
+            EXPECT_THAT(test::NamesIn(trial.bench.In()), testing::ElementsAre("picture.jpg"));
+            if (answered) {
+                ++stayed;
+                continue;
+            }
+            EXPECT_EQ(test::ScanDataOf(after), test::ScanDataOf(before)) << file;
+            EXPECT_NE(test::ScanDataOf(after), "") << file;
+        }
+    }
+    EXPECT_GT(stayed, 0);
+}
+
 // ---- The independent reader -------------------------------------------------------------------
 
 using Lines = std::vector<std::string>;
