@@ -1,6 +1,7 @@
 #include "engine/run_batch.h"
 
 #include <string>
+#include <utility>
 
 #include "engine/command.h"
 #include "engine/editing.h"
@@ -116,6 +117,7 @@ void ReturnToIdle(CLumoscriptView& view) {
     run.inRun = false;
     run.batchRunning = false;
     run.keepRunning = 1;
+    view.metadata = std::exchange(view.waitingMetadata, {});
     view.counters.fill(0);
     io::ForgetSecondPictures(view);
     run.mode = RunMode::Idle;
@@ -194,6 +196,8 @@ bool TryPrepare(CLumoscriptView& view) {
     run.logOptions = view.settings.logs;
     view.ui.SetControls(Controls::Closed);
     ShowOrnament(view);
+    // A sample that is saved after the run must not carry the header of the last input.
+    view.waitingMetadata = std::exchange(view.metadata, {});
     run.keepRunning = 1;
     run.batchRunning = true;
     return true;

@@ -193,7 +193,8 @@ struct CLumoscriptView {
     int openedImages = 0;          // AutoNumeric; goes on from run to run
     int incrementalCount = 0;      // goes on from run to run
     RunLogs logs;
-    MetadataStores metadata;
+    /// Of the sample between runs; a run has stores of its own, and the sample's wait meanwhile.
+    MetadataStores metadata, waitingMetadata;
     Random random;
 };
 

@@ -103,16 +103,19 @@ std::optional<InclusiveRect> GetBorder(ConstImageView image, std::uint32_t toler
 
     const int right = image.Width() - 1, bottom = image.Height() - 1;
     struct Candidate {
+        int corner;
         NearColour isNear;
         std::int64_t votes;
     };
-    std::array<Candidate, 4> candidates{Candidate{nearTo(image.Pixel(0, 0)), 0},
-                                        Candidate{nearTo(image.Pixel(right, 0)), 0},
-                                        Candidate{nearTo(image.Pixel(0, bottom)), 0},
-                                        Candidate{nearTo(image.Pixel(right, bottom)), 0}};
+    std::array<Candidate, 4> candidates{Candidate{0, nearTo(image.Pixel(0, 0)), 0},
+                                        Candidate{1, nearTo(image.Pixel(right, 0)), 0},
+                                        Candidate{2, nearTo(image.Pixel(0, bottom)), 0},
+                                        Candidate{3, nearTo(image.Pixel(right, bottom)), 0}};
     for (Candidate& candidate : candidates) candidate.votes = CountOnEdges(image, candidate.isNear);
-    std::stable_sort(candidates.begin(), candidates.end(),
-                     [](const Candidate& a, const Candidate& b) { return a.votes > b.votes; });
+    // Most votes first, of as many the earlier corner.
+    std::sort(candidates.begin(), candidates.end(), [](const Candidate& a, const Candidate& b) {
+        return a.votes != b.votes ? a.votes > b.votes : a.corner < b.corner;
+    });
     for (const Candidate& candidate : candidates)
         if (const auto rect = Enclosed(image, candidate.isNear)) return rect;
     return std::nullopt;

@@ -15,12 +15,11 @@
 #include "engine/sample.h"
 #include "engine/sample_tests.h"
 #include "io/metadata_report.h"
+#include "ops/files/empty_temp.h"
 #include "platform/files.h"
 #include "platform/paths.h"
-#include "script/fields.h"
 #include "settings/recent.h"
 #include "settings/settings_store.h"
-#include "settings/temp_slots.h"
 #include "ui/command_tree.h"
 #include "ui/dropped_files.h"
 #include "ui/image_frame.h"
@@ -300,19 +299,7 @@ void MainWindow::OpenRecentList(int n) {
 
 void MainWindow::EmptyTempFolder() {
     if (!ui::AskYesNo(desk_, "Remove all images from the Temp folder?")) return;
-    // Folders that the Script at hand reads from or writes to are left alone.
-    std::vector<std::string> never;
-    const script::Script& script = view_.script.commands;
-    for (int i = 0; i < script.Count(); ++i) {
-        const script::Fields fields = script::ParseParams(script.ParamsAt(i));
-        for (int field = 0; field < script::Fields::kSlots; ++field) {
-            const std::string path = platform::ParsePath(
-                fields.Text(field), view_.settings.installFolder, view_.settings.folders.temp);
-            if (path.find('/') != std::string::npos && platform::FolderExists(path))
-                never.push_back(path);
-        }
-    }
-    const auto removed = settings::EmptyTempFolder(view_.settings, never);
+    const auto removed = ops::files::EmptyTempFolderNow(view_);
     if (removed)
         statusBar()->showMessage(QStringLiteral("%1 images removed.").arg(*removed));
     else

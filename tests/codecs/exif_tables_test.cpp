@@ -93,12 +93,12 @@ TEST(ReadExifTables, OneLineForEachTag) {
     EXPECT_EQ(tables.texts[4], "0x1d GPSDateStamp: 2024:01:31\n");
 }
 
-TEST(ReadExifTables, ATifIsItsOwnBlock) {
+TEST(ReadExifTables, ATifHasNoneThoughItIsLaidOutAsOne) {
     const std::string block = Block({Ascii(0x10F, "Canon")});
     const ExifTables tables =
         ReadExifTables({reinterpret_cast<const std::uint8_t*>(block.data()), block.size()}, 5);
-    EXPECT_TRUE(tables.namesMaker);
-    EXPECT_THAT(tables.texts[0], HasSubstr("0x10f Make: Canon\n"));
+    EXPECT_FALSE(tables.namesMaker);
+    EXPECT_THAT(tables.texts, Each(IsEmpty()));
 }
 
 TEST(ReadExifTables, TablesBeyondTheCountAreNotRead) {
@@ -140,8 +140,8 @@ TEST(ReadExifTables, OtherFilesHaveNone) {
     EXPECT_THAT(ReadExifTables({}, 5).texts, Each(IsEmpty()));
     EXPECT_THAT(ReadExifTables(test::ReadTestFile("jpg/serenity_grayscale_mcu.jpg"), 5).texts,
                 Each(IsEmpty()));
-    EXPECT_THAT(ReadExifTables(test::ReadTestFile("png/pngsuite_ctjn0g04.png"), 5).texts,
-                Each(IsEmpty()));
+    for (const char* name : {"png/pngsuite_ctjn0g04.png", "tif/exiftool_ExifTool.tif"})
+        EXPECT_THAT(ReadExifTables(test::ReadTestFile(name), 5).texts, Each(IsEmpty())) << name;
 }
 
 TEST(ReadExifTables, RealCamerasAreNamed) {
@@ -150,8 +150,6 @@ TEST(ReadExifTables, RealCamerasAreNamed) {
     EXPECT_THAT(jpg.texts[0], HasSubstr("0x10f Make: JVC\n0x110 Model: GC-X1E\n"));
     EXPECT_THAT(jpg.texts[1], HasSubstr("0x829a ExposureTime: 1/30 s\n"));
     EXPECT_THAT(jpg.texts[1], HasSubstr("0x927c MakerNote: (16 bytes)\n"));
-    const ExifTables tif = ReadExifTables(test::ReadTestFile("tif/exiftool_ExifTool.tif"), 5);
-    EXPECT_THAT(tif.texts[0], HasSubstr("0x100 ImageWidth: "));
 }
 
 TEST(ReadExifTables, DamageIsSilentAndDoesNoHarm) {

@@ -13,6 +13,7 @@ namespace lumo::engine {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -48,6 +49,32 @@ TEST_F(Run, CommandsOutsideOfTheLoopRunOnceWithAnEmptyInputToo) {
     EXPECT_EQ(view.run.statFiles, 0);
     EXPECT_EQ(view.run.errorCount, 1);
     EXPECT_THAT(view.counters, testing::Each(0));  // zeroed at the end
+}
+
+TEST_F(Run, TheSampleKeepsItsMetadataAcrossARun) {
+    const MarkerList ofTheSample{{0xFE, {'h', 'i'}}};
+    const auto bytes = imaging::codecs::EncodeJpeg(test::FlatImage({8, 8}, {1, 2, 3}).View(),
+                                                   {.markers = {{0xFE, {'i', 'n'}}}});
+    ASSERT_TRUE(bytes);
+    std::filesystem::create_directories(folder / "in");
+    ASSERT_TRUE(platform::WriteFile(folder / "in/a.jpg", *bytes));
+    AddStart();
+    Add(names::kJpgFileHeader, "29,1,1,0,0,0,0,0,,0,,,,,,,,,,,,,,,0,,,,,,");
+    AddOutput("jpg,0,0,,,0,0,1,");
+    Add(names::kEndImageLoop);
+    for (const bool aborted : {false, true}) {
+        view.metadata.jpgInput = view.metadata.jpgOutput = ofTheSample;
+        ui.atImage = [&](int) {
+            // Commands before the loop must not write the sample's header into their outputs.
+            EXPECT_THAT(view.metadata.jpgOutput, IsEmpty());
+            if (aborted) view.run.keepRunning = 0;
+        };
+        ASSERT_TRUE(RunHere());
+        EXPECT_EQ(view.metadata.jpgInput, ofTheSample);
+        EXPECT_EQ(view.metadata.jpgOutput, ofTheSample);
+        EXPECT_THAT(view.waitingMetadata.jpgOutput, IsEmpty());
+    }
+    EXPECT_THAT(test::FileText(folder / "out/a.jpg"), HasSubstr("\xFF\xFE\0\4in"s));
 }
 
 TEST_F(Run, AnUnreadableFileIsAnErrorAndTheNextIsTaken) {

@@ -53,6 +53,8 @@ TEST(ExifReportText, WithoutTheMakerThereIsNone) {
     for (const char* name : {"imagemeta_NoExif.jpg", "serenity_grayscale_mcu.jpg", "SOURCES.md"})
         EXPECT_EQ(ExifReportText(kPictures + name),
                   kPictures + name + " did not contain any EXIF information");
+    const std::string tif = (test::DataFolder() / "tif/exiftool_ExifTool.tif").string();
+    EXPECT_EQ(ExifReportText(tif), tif + " did not contain any EXIF information");
     EXPECT_EQ(ExifReportText("/no/such\nfile.jpg"),
               "/no/such?file.jpg did not contain any EXIF information");
 }

@@ -38,7 +38,6 @@ void SilenceLibrary() {
 
 std::optional<ByteView> ExifBlock(ByteView file) {
     if (file.size() > 0xFFFFFFFFU) return std::nullopt;
-    if (FormatOfContent(file) == Format::Tiff) return file;
     for (const JpegSegment& segment : ReadJpegHead(file).segments)
         if (segment.code == kApp1 && IsExifPayload(segment.payload))
             return segment.payload.subspan(kExifPrefixBytes);

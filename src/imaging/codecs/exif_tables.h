@@ -20,8 +20,8 @@ struct ExifTables {
     bool namesMaker = false;
 };
 
-/// Reads the first `count` tables of the EXIF block of a JPG, or of a TIF. All empty for other
-/// files and for damaged blocks.
+/// Reads the first `count` tables of the EXIF block of a JPG. All empty for damaged blocks and for
+/// other files, a TIF among them: its own tables say how the picture is stored.
 ExifTables ReadExifTables(ByteView file, int count);
 
 }  // namespace lumo::imaging::codecs

@@ -45,7 +45,8 @@ bool IsConfirmed(CLumoscriptView& view, const Fields& fields) {
 
 Outcome RunDeleteInput(CLumoscriptView& view, const Fields& fields) {
     const RunMode mode = view.run.mode;
-    if (mode == RunMode::OneCommand || mode == RunMode::WholeScript || view.run.onLeftImage)
+    if (mode == RunMode::OneCommand || mode == RunMode::WholeScript ||
+        mode == RunMode::BatchOnSample || view.run.onLeftImage)
         return Outcome::Succeeded;
 
     int reason = ENOENT;

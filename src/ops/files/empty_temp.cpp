@@ -6,7 +6,6 @@
 #include "io/input.h"
 #include "io/output.h"
 #include "io/output_path.h"
-#include "io/start_setup.h"
 #include "platform/paths.h"
 #include "script/names.h"
 #include "settings/temp_slots.h"
@@ -19,15 +18,16 @@ namespace names = script::names;
 
 constexpr int kCopyMoveFolder = 1;  // field of "Copy/Move"
 
-/// The folders that the Script at hand reads pictures from and puts them into.
+/// The folders that the Script at hand names, and those of the sample and the input.
 std::vector<std::string> FoldersInUse(const CLumoscriptView& view) {
     std::vector<std::string> folders{platform::GetFolderPath(view.sample.path), view.input.folder};
     const script::Script& commands = view.script.commands;
     for (int i = 0; i < commands.Count(); ++i) {
         const std::string& name = commands.NameAt(i);
         const script::Fields fields = script::ParseParams(commands.ParamsAt(i));
-        if (name == names::kStartImageLoop)
-            folders.push_back(io::NativePath(view, fields.Text(io::start::kFolderPath)));
+        for (int field = 0; field < script::Fields::kSlots; ++field)
+            if (!fields.IsEmpty(field)) folders.push_back(io::NativePath(view, fields.Text(field)));
+        // These have forms of their own, such as the folder of the input.
         if (name == names::kOutputSetup)
             folders.push_back(io::ExpandOutputFolder(view, fields.Text(io::output::kFolder)));
         if (name == names::kCopyMove)
@@ -38,9 +38,10 @@ std::vector<std::string> FoldersInUse(const CLumoscriptView& view) {
 
 }  // namespace
 
-bool EmptyTempFolderNow(CLumoscriptView& view) {
-    const bool emptied =
-        !view.run.batchRunning && settings::EmptyTempFolder(view.settings, FoldersInUse(view));
+platform::Result<int> EmptyTempFolderNow(CLumoscriptView& view) {
+    platform::Result<int> emptied =
+        view.run.batchRunning ? platform::Error{"A run may need the temporary images."}
+                              : settings::EmptyTempFolder(view.settings, FoldersInUse(view));
     view.ui.Play(emptied ? engine::Sound::Recycle : engine::Sound::Asterisk);
     return emptied;
 }

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "engine/view.h"
+#include "platform/result.h"
 
 namespace lumo::ops::files {
 
-/// Deletes the slots at the user's wish, with a sound that says whether it worked. Refused while a
-/// batch runs, and where the folder is one that the settings or the Script at hand take pictures
-/// from or write them to.
-bool EmptyTempFolderNow(engine::CLumoscriptView& view);
+/// Deletes the slots at the user's wish, with a sound that says whether it worked, and gives their
+/// number. Refused while a batch runs, and where the folder is one that the settings or any field
+/// of the Script at hand name.
+platform::Result<int> EmptyTempFolderNow(engine::CLumoscriptView& view);
 
 }  // namespace lumo::ops::files

@@ -124,6 +124,7 @@ TEST_F(DeleteInput, TestsAndRunsOverTheSampleDeleteNothing) {
     view.run.mode = RunMode::BatchOnSample;
     EXPECT_EQ(Delete("2,1,0,"), Outcome::Succeeded);
     view.run.onLeftImage = false;
+    EXPECT_EQ(Delete("2,1,0,"), Outcome::Succeeded);
     for (const RunMode mode : {RunMode::OneCommand, RunMode::WholeScript}) {
         LeaveRun(mode);
         EXPECT_EQ(Delete("2,1,0,"), Outcome::Succeeded);

@@ -27,7 +27,9 @@ class EmptyTemp : public test::FilesTest {
 };
 
 TEST_F(EmptyTemp, DeletesTheSlotsWithASound) {
-    EXPECT_TRUE(EmptyTempFolderNow(view));
+    const auto removed = EmptyTempFolderNow(view);
+    ASSERT_TRUE(removed) << removed.Message();
+    EXPECT_EQ(*removed, 1);
     EXPECT_THAT(test::NamesIn(slots), ElementsAre("mine.bmp"));
     EXPECT_THAT(bench.ui.played, ElementsAre(engine::Sound::Recycle));
 }
@@ -55,6 +57,8 @@ TEST_F(EmptyTemp, SparesTheFoldersOfTheScriptAtHand) {
     ExpectRefused();
     commands.Add(std::string(script::names::kCopyMove),
                  "6,1,\"<..original folder path>\\Temp\",0,,,1,");
+    ExpectRefused();
+    commands.Add(std::string(script::names::kInputFixedImage), "1,\"" + slots + "/\",");
     ExpectRefused();
     view.sample.path = slots + "/mine.bmp";
     ExpectRefused();
