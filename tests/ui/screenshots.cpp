@@ -11,6 +11,7 @@
 #include "engine/editing.h"
 #include "engine/open_sample.h"
 #include "engine/sample_tests.h"
+#include "script/names.h"
 #include "support/test_files.h"
 #include "ui/command_form.h"
 #include "ui/command_tree.h"
@@ -18,6 +19,7 @@
 #include "ui/main_form.h"
 #include "ui/main_window.h"
 #include "ui/progress_panel.h"
+#include "ui/text.h"
 #include "ui/theme.h"
 
 namespace {
@@ -26,6 +28,27 @@ void Settle() {
     for (int i = 0; i < 20; ++i) {
         QApplication::processEvents();
         QThread::msleep(5);
+    }
+}
+
+/// The forms of some commands, as they open.
+void TakeForms(lumo::ui::MainWindow& window, const QDir& folder, const QString& theme) {
+    using namespace lumo;
+    namespace names = script::names;
+    for (const std::string_view name :
+         {names::kStartImageLoop, names::kOutputSetup, names::kCrop, names::kScale,
+          names::kAdjustColourHsl, names::kUnsharpMask, names::kColourCurveAdjust,
+          names::kCustomFilter, names::kWatermark, names::kTextOverlayAbsolute,
+          names::kJpgFileHeader, names::kCopyMove, names::kInputTemporary}) {
+        engine::CLumoscriptView& view = window.View();
+        ui::CommandForm form(view, *engine::FindCommand(name), engine::DefaultParams(view, name));
+        form.show();
+        Settle();
+        Settle();
+        QString file = theme + QLatin1Char('-') + ui::ToQt(name) + QStringLiteral(".png");
+        file.replace(QLatin1Char('/'), QLatin1Char('-'))
+            .replace(QLatin1Char(' '), QLatin1Char('-'));
+        form.grab().save(folder.filePath(file));
     }
 }
 
@@ -78,6 +101,7 @@ int main(int argc, char** argv) {
         enlarged->show();
         save(*enlarged, QStringLiteral("split") + ending);
         enlarged->close();
+        TakeForms(window, folder, QString::fromLatin1(name));
     }
     window.Form().filter->setText(QStringLiteral("blur"));
     window.Form().progress->Begin();
