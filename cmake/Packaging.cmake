@@ -59,5 +59,5 @@ set(CPACK_COMPONENT_DESKTOP_DESCRIPTION
  counters and subroutines steer the run; logs say what happened.")
 set(CPACK_DEBIAN_DESKTOP_PACKAGE_NAME lumoscript)
 set(CPACK_DEBIAN_DESKTOP_PACKAGE_DEPENDS "lumoscript-batch (= ${PROJECT_VERSION})")
-set(CPACK_DEBIAN_DESKTOP_PACKAGE_RECOMMENDS "xdg-utils")
+set(CPACK_DEBIAN_DESKTOP_PACKAGE_RECOMMENDS "xdg-utils, qt6-wayland")
 include(CPack)

@@ -89,7 +89,7 @@ constexpr std::array kFields{
          "$(date%Y%m%d) will be replaced by the current date in form yyyymmdd when executed\r\n"
          "Press help for details of this command.")
         .Quoted(true)
-        .MultiLine()
+        .MultiLine("$x")
         .MaxLength(1000),
     Flag("Add IPTC (International Press Telecommunications Council tags  -  PhotoShop file "
          "information)",
@@ -100,10 +100,10 @@ constexpr std::array kFields{
     Line("State", 100),
     Line("Country", 100),
     Line("Copyright notice", 200),
-    Line("Caption headline", 400).MultiLine(),
+    Line("Caption headline", 400).MultiLine("$x"),
     Line("Caption writer", 2000),
-    Line("Caption", 2000).MultiLine(),
-    Line("Special instructions", 200).MultiLine(),
+    Line("Caption", 2000).MultiLine("$x"),
+    Line("Special instructions", 200).MultiLine("$x"),
     Line("Byline", 100),
     Line("Byline title", 100),
     Line("Credit", 200),

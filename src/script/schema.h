@@ -45,6 +45,7 @@ struct FieldSpec {
     bool quoted = false;           // written through QuoteField
     bool quoteFactory = false;     // the factory string has it in quotes
     bool multiLine = false;        // Text
+    std::string_view lineBreak;    // Text of several lines: as stored; empty: LF
     int maxLength = 0;             // Text: characters; 0: no limit
     std::string_view fileFilter;   // Path: for the chooser
     std::string_view unit;         // shown behind the control
@@ -81,9 +82,11 @@ struct FieldSpec {
         copy.quoteFactory = alsoInFactory;
         return copy;
     }
-    constexpr FieldSpec MultiLine() const {
+    /// `storedBreak` stands for a line break in the stored text; empty: LF itself.
+    constexpr FieldSpec MultiLine(std::string_view storedBreak = {}) const {
         FieldSpec copy = *this;
         copy.multiLine = true;
+        copy.lineBreak = storedBreak;
         return copy;
     }
     constexpr FieldSpec MaxLength(int characters) const {

@@ -13,6 +13,11 @@ namespace {
 constexpr std::size_t kMostRadios = 4;
 constexpr std::size_t kLettersOnALine = 36;
 
+/// A choice without words of its own stands for what another field says.
+QString ShownName(std::string_view name) {
+    return name.empty() ? QStringLiteral("(other)") : ToQt(name);
+}
+
 /// A form that scrolls under the pointer must not change the lists that pass by.
 class CalmComboBox : public QComboBox {
   protected:
@@ -59,7 +64,7 @@ ChoiceControl::ChoiceControl(const script::FieldSpec& spec, int field, ControlSi
     if (spec.names.size() <= kMostRadios && size == ControlSize::Line) {
         radios_ = new QButtonGroup(this);
         for (std::size_t i = 0; i < spec.names.size(); ++i) {
-            auto* radio = new QRadioButton(Literally(ToQt(spec.names[i])));
+            auto* radio = new QRadioButton(Literally(ShownName(spec.names[i])));
             radios_->addButton(radio, static_cast<int>(i));
             box->addWidget(radio);
         }
@@ -68,7 +73,7 @@ ChoiceControl::ChoiceControl(const script::FieldSpec& spec, int field, ControlSi
         });
     } else {
         list_ = new CalmComboBox;
-        for (const std::string_view name : spec.names) list_->addItem(ToQt(name));
+        for (const std::string_view name : spec.names) list_->addItem(ShownName(name));
         list_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
         list_->setFocusPolicy(Qt::StrongFocus);
         box->addWidget(list_);

@@ -11,16 +11,17 @@ namespace {
 
 constexpr int kFrameMargin = 4;
 
-/// A QImage of its own: its rows are padded, those of the core are not.
+}  // namespace
+
 QImage ToQImage(imaging::ConstImageView picture) {
+    if (picture.IsEmpty()) return {};
     QImage image(picture.Width(), picture.Height(), QImage::Format_RGB888);
     if (image.isNull()) return image;
+    // Its rows are padded, those of the core are not.
     for (int y = 0; y < picture.Height(); ++y)
         std::memcpy(image.scanLine(y), picture.Row(y), picture.Stride());
     return image;
 }
-
-}  // namespace
 
 imaging::Size FitIntoFrame(imaging::Size picture, imaging::Size frame) {
     if (picture.IsEmpty() || frame.IsEmpty()) return {};

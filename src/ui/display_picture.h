@@ -12,6 +12,9 @@ namespace lumo::ui {
 /// pixels, in whole numbers that truncate; never below 1 x 1.
 imaging::Size FitIntoFrame(imaging::Size picture, imaging::Size frame);
 
+/// The same pixels; null for an empty picture or if the memory cannot be had.
+QImage ToQImage(imaging::ConstImageView picture);
+
 /// What a frame paints.
 struct DisplayPicture {
     QImage pixels;         // in pixels of the screen; null: no picture

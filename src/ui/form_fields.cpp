@@ -2,6 +2,7 @@
 
 #include <QGroupBox>
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 #include "ui/number_control.h"
@@ -141,6 +142,7 @@ void FormFields::AddSwitchedGroup(const script::FieldGroup& group) {
     int column = 1;
     for (const int field : group.fields.subspan(1)) {
         FieldControl* control = Make(field, ControlSize::Cell);
+        assert(control);  // groups hold no reserved fields
         control->SetAccessibleLabel(Spoken(LabelText(lead)) + QStringLiteral(": ") +
                                     Spoken(LabelText(field)));
         lines_.push_back({.control = control, .label = AddCell(*cells, row, column, control)});

@@ -8,7 +8,9 @@
 #include <QScreen>
 #include <QStatusBar>
 #include <QToolBar>
+#include <QWindow>
 #include <ctime>
+#include <utility>
 
 #include "engine/command.h"
 #include "engine/editing.h"
@@ -29,6 +31,7 @@
 #include "ui/progress_panel.h"
 #include "ui/script_list.h"
 #include "ui/text.h"
+#include "ui/text_window.h"
 #include "ui/theme.h"
 
 namespace lumo::ui {
@@ -155,6 +158,24 @@ void MainWindow::QuitProgram() {
     close();
 }
 
+void MainWindow::EndBySignal(int signalNumber) {
+    exitStatus_ = 128 + signalNumber;
+    exitAfterRun_ = false;
+    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) dialog->reject();
+    // The dialog's own loop has to end first.
+    QTimer::singleShot(0, this, &MainWindow::QuitProgram);
+}
+
+void MainWindow::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    if (!std::exchange(screenWatched_, true))
+        connect(windowHandle(), &QWindow::screenChanged, this, [this] {
+            form_->PlaceControls(screen()->geometry().width());
+            RebuildLeft();
+            RebuildRight();
+        });
+}
+
 // ---- What the engine shows ----------------------------------------------------------------------
 
 void MainWindow::ShowMessageBox(const QString& text, const QString& caption,
@@ -174,6 +195,10 @@ bool MainWindow::AskYesNo(const QString& question) {
 
 void MainWindow::ShowNotice(const QString& text) {
     statusBar()->showMessage(text);
+}
+
+void MainWindow::ShowReport(const QString& title, std::string_view text) {
+    ShowTextWindow(this, title, text);
 }
 
 bool MainWindow::EditParameters(std::string_view name, std::string& params, bool& makeDefault) {
@@ -347,7 +372,8 @@ void MainWindow::UpdateActions() {
     edit(Act::SaveLeftImage, hasLeft, kNoImage);
     edit(Act::FullScreenLeft, hasLeft, kNoImage);
     edit(Act::FullScreenRight, hasRight, kNoImage);
-    edit(Act::ImageInfo, hasLeft, kNoImage);
+    for (const Act act : {Act::ImageInfo, Act::FileProperties, Act::ExifInfo, Act::IptcInfo})
+        edit(act, hasLeft, kNoImage);
     actions_.Enable(Act::RunBatch, !walking, why);
 
     menus_.addCommands->setEnabled(!busy);

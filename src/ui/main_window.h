@@ -34,7 +34,11 @@ class MainWindow : public QMainWindow, private Screen {
     /// What the program ends with: that of its run, if the command line asked for one and an end.
     int ExitStatus() const { return exitStatus_; }
 
+    /// Ends the program without a question, a run with its logs closed.
+    void EndBySignal(int signalNumber);
+
   protected:
+    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -46,6 +50,7 @@ class MainWindow : public QMainWindow, private Screen {
                         engine::MessageIcon icon) override;
     bool AskYesNo(const QString& question) override;
     void ShowNotice(const QString& text) override;
+    void ShowReport(const QString& title, std::string_view text) override;
     bool EditParameters(std::string_view name, std::string& params, bool& makeDefault) override;
     bool EditCommandAt(int index) override;
     void ShowTitle(const QString& text) override;
@@ -109,6 +114,7 @@ class MainWindow : public QMainWindow, private Screen {
     QString runTitle_;  // "33% Done" during a run
     QString rightSize_;
     Side infoSide_ = Side::Right;  // the frame that was asked about last
+    bool screenWatched_ = false;
     bool running_ = false;
     bool starting_ = false;
     bool controlsClosed_ = false;

@@ -178,6 +178,8 @@ void MainWindow::BindImageActions() {
     actions_.Bind(Act::ImageInfo, [this] {
         ShowTextWindow(this, QStringLiteral("Image info"), ImageInfoText(view_, infoSide_));
     });
+    actions_.Bind(Act::ExifInfo, [this] { io::ShowExifReport(view_); });
+    actions_.Bind(Act::IptcInfo, [this] { io::ShowIptcReport(view_); });
     actions_.Bind(Act::FileProperties, [this] {
         ShowTextWindow(this, QStringLiteral("File properties"), FilePropertiesText(view_));
     });
@@ -195,8 +197,7 @@ void MainWindow::BindOtherActions() {
         view_.settings.showEachImage = view_.run.showEachImage = on;
     });
     const QString later = QStringLiteral("comes with a later version");
-    for (const Act act : {Act::Preferences, Act::Writer, Act::Reader, Act::RenameFiles,
-                          Act::ExifInfo, Act::IptcInfo})
+    for (const Act act : {Act::Preferences, Act::Writer, Act::Reader, Act::RenameFiles})
         actions_.Enable(act, false, later);
     actions_.Bind(Act::ViewTemp, [this] { ShowFolder(desk_, view_.settings.folders.temp); });
     actions_.Bind(Act::EmptyTemp, [this] { EmptyTempFolder(); });

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <utility>
 
 #include "imaging/resample.h"
 #include "io/input.h"
 #include "platform/paths.h"
+#include "ui/display_picture.h"
 
 namespace lumo::ui {
 
@@ -99,15 +99,6 @@ ConstImageView PreviewRenderer::SecondPicture(const script::Fields& fields) {
         secondVersion_ = version;
     }
     return std::as_const(second_).View();
-}
-
-QImage ToQImage(ConstImageView picture) {
-    if (picture.IsEmpty()) return {};
-    QImage image(picture.Width(), picture.Height(), QImage::Format_RGB888);
-    if (image.isNull()) return {};
-    for (int y = 0; y < picture.Height(); ++y)
-        std::memcpy(image.scanLine(y), picture.Row(y), picture.Stride());
-    return image;
 }
 
 }  // namespace lumo::ui

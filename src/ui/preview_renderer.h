@@ -69,7 +69,4 @@ class PreviewRenderer : public QObject {
     std::jthread thread_;      // the last member: it ends before the others
 };
 
-/// A picture of the core as one of Qt's; null for an empty one.
-QImage ToQImage(imaging::ConstImageView picture);
-
 }  // namespace lumo::ui

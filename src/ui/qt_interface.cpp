@@ -123,6 +123,10 @@ bool QtInterface::Ask(std::string_view question) {
     return AskAndWait([this, words = ToQt(question)] { return screen_.AskYesNo(words); });
 }
 
+void QtInterface::ShowReport(std::string_view title, std::string_view text) {
+    if (OnWindowThread()) screen_.ShowReport(ToQt(title), text);
+}
+
 void QtInterface::Notice(std::string_view text) {
     const std::string line = platform::Printable(text) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);

@@ -35,6 +35,7 @@ class QtInterface : public QObject, public engine::UserInterface {
     void ShowMessageBox(std::string_view text, std::string_view caption,
                         engine::MessageIcon icon) override;
     bool Ask(std::string_view question) override;
+    void ShowReport(std::string_view title, std::string_view text) override;
     void Notice(std::string_view text) override;
     void Quit() override;
     void SetTitle(std::string_view text) override;

@@ -17,6 +17,7 @@ class Screen {
                                 engine::MessageIcon icon) = 0;
     virtual bool AskYesNo(const QString& question) = 0;
     virtual void ShowNotice(const QString& text) = 0;
+    virtual void ShowReport(const QString& title, std::string_view text) = 0;
     virtual bool EditParameters(std::string_view name, std::string& params, bool& makeDefault) = 0;
     virtual bool EditCommandAt(int index) = 0;
 

@@ -21,6 +21,19 @@ std::string Storable(const script::FieldSpec& spec, std::string text) {
     return text;
 }
 
+std::string WithStoredBreaks(const script::FieldSpec& spec, std::string text) {
+    if (spec.lineBreak.empty()) return text;
+    std::string stored;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
+        if (text[i] == '\r' || text[i] == '\n')
+            stored += spec.lineBreak;
+        else
+            stored += text[i];
+    }
+    return stored;
+}
+
 TextControl::TextControl(const script::FieldSpec& spec, int field, QWidget* parent)
     : FieldControl(field, parent), spec_(spec), edit_(new QLineEdit) {
     auto* line = new QVBoxLayout(this);
@@ -53,7 +66,9 @@ MultiLineControl::MultiLineControl(const script::FieldSpec& spec, int field, QWi
 
 void MultiLineControl::Load(const script::Fields& fields) {
     loaded_ = LoadedText(fields.Text(Field()));
-    edit_->setPlainText(loaded_.Shown());
+    QString shown = loaded_.Shown();
+    if (!spec_.lineBreak.empty()) shown.replace(ToQt(spec_.lineBreak), QString(QLatin1Char('\n')));
+    edit_->setPlainText(shown);
     loaded_.SetShown(edit_->toPlainText());
 }
 
@@ -62,7 +77,7 @@ void MultiLineControl::Store(std::span<std::string> texts) const {
     std::string text = Storable(spec_, loaded_.Of(now));
     if (spec_.maxLength > 0 && now != loaded_.Shown())
         text = script::FirstCharacters(text, static_cast<std::size_t>(spec_.maxLength));
-    texts[static_cast<std::size_t>(Field())] = std::move(text);
+    texts[static_cast<std::size_t>(Field())] = WithStoredBreaks(spec_, std::move(text));
 }
 
 }  // namespace lumo::ui

@@ -56,7 +56,11 @@ class TextControl : public FieldControl {
     LoadedText loaded_;
 };
 
-/// A text of several lines, parted by LF. Tab leaves it.
+/// The text with its line breaks, of whatever kind, as the field stores them; a field with a mark
+/// of its own for them gets it also where nobody touched the text.
+std::string WithStoredBreaks(const script::FieldSpec& spec, std::string text);
+
+/// A text of several lines. Tab leaves it.
 class MultiLineControl : public FieldControl {
     Q_OBJECT
 

@@ -110,8 +110,11 @@ TEST_F(Form, UnchangedOkReproducesTheFieldsOfEveryCommand) {
         const Fields after = ReadParams(command->spec, params);
         for (int i = 0; i < static_cast<int>(command->spec.fields.size()); ++i) {
             std::string text = before.Text(i);
-            if (command->spec.fields[static_cast<std::size_t>(i)].kind == FieldKind::Text)
+            const FieldSpec& spec = command->spec.fields[static_cast<std::size_t>(i)];
+            if (spec.kind == FieldKind::Text) {
+                text = WithStoredBreaks(spec, text);
                 std::erase(text, '\r');  // a Script cannot hold it
+            }
             EXPECT_EQ(after.Text(i), text) << "field " << i;
         }
         EXPECT_EQ(params.find('\r'), std::string::npos);
@@ -189,12 +192,13 @@ TEST_F(Form, NumbersOutOfRangeAreClampedInEveryCommand) {
         for (const FieldSpec& spec : command->spec.fields) specs.push_back(&spec);
         for (const bool above : {true, false}) {
             Open(command->spec.name);
-            for (int i = 0; i < static_cast<int>(specs.size()); ++i)
-                if (auto* number = dynamic_cast<NumberControl*>(form->Fields().Control(i)))
-                    if (const int most = specs[static_cast<std::size_t>(i)]->maxLength; true)
-                        number->Edit().findChild<QLineEdit*>()->setText(
-                            (above ? QStringLiteral("99999999") : QStringLiteral("-99999999"))
-                                .left(most == 0 ? 9 : most));
+            for (int i = 0; i < static_cast<int>(specs.size()); ++i) {
+                auto* number = dynamic_cast<NumberControl*>(form->Fields().Control(i));
+                if (!number) continue;
+                const int most = specs[static_cast<std::size_t>(i)]->maxLength;
+                number->Edit().findChild<QLineEdit*>()->setText(
+                    QLatin1String(above ? "99999999" : "-9999999").left(most > 0 ? most : 8));
+            }
             form->accept();
             const Fields after = ReadParams(command->spec, form->Params());
             for (int i = 0; i < static_cast<int>(specs.size()); ++i) {
@@ -383,6 +387,19 @@ TEST_F(Form, QuotesAndCommasInTextsKeepTheFieldsApart) {
     EXPECT_EQ(fields.Text(1), "'");
     EXPECT_EQ(fields.Text(2), "three");
     EXPECT_EQ(fields.Text(6), "");
+}
+
+TEST_F(Form, LineBreaksAreStoredAsTheFieldWantsThem) {
+    Open(names::kJpgFileHeader);
+    auto& comments = At<MultiLineControl>(7);
+    comments.Edit().setPlainText(QStringLiteral("one\ntwo, \"three\""));
+    const std::string params = form->Params();
+    EXPECT_EQ(script::ParseParams(params).Text(7), "one$xtwo, 'three'");
+    Open(names::kJpgFileHeader, params);
+    EXPECT_EQ(At<MultiLineControl>(7).Edit().toPlainText(), QStringLiteral("one\ntwo, 'three'"));
+    EXPECT_EQ(form->Params(), params);
+    EXPECT_EQ(WithStoredBreaks(script::Text("", "").MultiLine("$x"), "a\r\nb\nc\rd"), "a$xb$xc$xd");
+    EXPECT_EQ(WithStoredBreaks(script::Text("", "").MultiLine(), "a\nb"), "a\nb");
 }
 
 TEST_F(Form, UnquotedTextsLoseWhatWouldPartFields) {

@@ -29,6 +29,9 @@ class NotingScreen : public Screen {
         return answer;
     }
     void ShowNotice(const QString& text) override { Note("notice " + FromQt(text)); }
+    void ShowReport(const QString& title, std::string_view text) override {
+        Note(FromQt(title) + ": " + std::string(text));
+    }
     bool EditParameters(std::string_view, std::string&, bool&) override { return false; }
     bool EditCommandAt(int) override { return false; }
     void ShowTitle(const QString& text) override { Note("title " + FromQt(text)); }

@@ -4,12 +4,14 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
+#include <csignal>
 #include <filesystem>
 
 #include "engine/editing.h"
 #include "imaging/codecs/codec.h"
 #include "platform/files.h"
 #include "script/names.h"
+#include "support/program.h"
 #include "support/test_images.h"
 #include "ui/command_tree.h"
 #include "ui/image_frame.h"
@@ -291,6 +293,32 @@ TEST_F(CommandLineWindow, AScriptThatIsNotThereEndsWithItsStatus) {
     Start({.scriptPath = *this / "no.whs", .runAtOnce = true, .exitAfterRun = true});
     ASSERT_TRUE(test::WaitUntil([&] { return !Window().isVisible(); }));
     EXPECT_EQ(Window().ExitStatus(), 3);
+}
+
+TEST_F(CommandLineWindow, TheProgramEndsWithTheStatusOfItsRun) {
+    const test::ScopedVariable offscreen("QT_QPA_PLATFORM", "offscreen");
+    PutPictures(2);
+    const std::string path = WriteScript("");
+    EXPECT_EQ(test::RunProgram({LUMO_DESKTOP_PROGRAM, path, "/r", "-X"}).exitStatus, 0);
+    EXPECT_EQ(Outputs().size(), 2U);
+    test::PutFile(*this / "in/broken.png", "no picture");
+    EXPECT_EQ(test::RunProgram({LUMO_DESKTOP_PROGRAM, path, "/r", "/x"}).exitStatus, 1);
+    Start();
+}
+
+TEST_F(CommandLineWindow, ASignalClosesTheLogsAndEndsTheProgram) {
+    const test::ScopedVariable offscreen("QT_QPA_PLATFORM", "offscreen");
+    PutPictures(40, {400, 300});
+    const std::string path =
+        WriteScript("Median filter\r\n1,12.0,\r\nMedian filter\r\n1,12.0,\r\n");
+    const auto result = test::RunProgram({LUMO_DESKTOP_PROGRAM, path, "/r"}, [&](int process) {
+        EXPECT_TRUE(test::WaitUntil([&] { return Outputs().size() >= 2; }));
+        kill(process, SIGTERM);
+    });
+    EXPECT_EQ(result.exitStatus, 143);
+    Start();
+    EXPECT_THAT(Log("Batch.log"), HasSubstr("User aborted."));
+    EXPECT_LT(Outputs().size(), 40U);
 }
 
 TEST_F(CommandLineWindow, WithoutPromptsNothingWaits) {

@@ -264,6 +264,12 @@ TEST_F(SampleWindow, TellsOfImageAndFile) {
     const std::string file = textOf(Act::FileProperties);
     EXPECT_THAT(file, StartsWith("Name: sample.bmp\n"));
     EXPECT_THAT(file, HasSubstr("Size: 192 054 bytes"));
+    EXPECT_THAT(textOf(Act::ExifInfo),
+                HasSubstr("sample.bmp did not contain any EXIF information"));
+    EXPECT_THAT(textOf(Act::IptcInfo),
+                HasSubstr("sample.bmp did not contain any JPG comments or IPTC information"));
+    EXPECT_EQ(FromQt(Window().findChildren<QPlainTextEdit*>().back()->window()->windowTitle()),
+              "Metadata display");
 }
 
 TEST_F(SampleWindow, RemembersTheDefaultSample) {
