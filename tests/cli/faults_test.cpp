@@ -146,7 +146,7 @@ TEST_F(Faults, AKillInTheMiddleLeavesWholeFilesAndTheNextRunDoesTheRest) {
         const auto start = fs::file_time_type::clock::now();
         const auto result = test::RunProgram({kBatch, script}, [&](int process) {
             const std::string chosen = folder / ("out/" + std::to_string(random() % 50) + ".png");
-            test::WaitUntil([&] { return WrittenAt(chosen) > start; });
+            test::WaitForProgram([&] { return WrittenAt(chosen) > start; });
             kill(process, SIGKILL);
         });
         EXPECT_THAT(result.exitStatus, AnyOf(128 + SIGKILL, 0));

@@ -49,7 +49,7 @@ class Unattended : public testing::Test {
     /// Waits until a program that keeps Debug.log has gone so far as to write `text` there.
     void WaitForDebugLog(const std::string& text) {
         EXPECT_TRUE(
-            test::WaitUntil([&] { return Log("Debug.log").find(text) != std::string::npos; }));
+            test::WaitForProgram([&] { return Log("Debug.log").find(text) != std::string::npos; }));
     }
 
     test::TempFolder folder;

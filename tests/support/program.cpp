@@ -59,7 +59,7 @@ ProgramResult RunProgram(const std::vector<std::string>& arguments,
     return result;
 }
 
-bool WaitUntil(const std::function<bool()>& condition) {
+bool WaitForProgram(const std::function<bool()>& condition) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) return false;

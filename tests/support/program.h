@@ -20,8 +20,8 @@ ProgramResult RunProgram(const std::vector<std::string>& arguments);
 ProgramResult RunProgram(const std::vector<std::string>& arguments,
                          const std::function<void(int process)>& meanwhile);
 
-/// Waits until a condition holds, for as long as the slowest machine may need. Returns whether it
-/// does.
-bool WaitUntil(const std::function<bool()>& condition);
+/// Waits until a program that runs has brought a condition about, for as long as the slowest
+/// machine may need. Returns whether it does.
+bool WaitForProgram(const std::function<bool()>& condition);
 
 }  // namespace lumo::test
