@@ -54,7 +54,7 @@ constexpr std::array kFields{
     Green("30"),
     Blue("30"),
     Integer("Font height:", "-24"),
-    Integer("Weight:", "700").Clamp(100, 1000),
+    Integer("Weight:", "700").Clamp(0, 1000),
     Flag("Italic", "F").Stored("F", "T"),
     Flag("Underline", "F").Stored("F", "T"),
     Flag("Strikeout", "F").Stored("F", "T"),
@@ -64,7 +64,8 @@ constexpr std::array kFields{
     Blue("255"),
     Text("Text:", "Sample $(size)\r\nFilename: $(filename)\r\nDate: $(date)")
         .Quoted(true)
-        .MultiLine(),
+        .MultiLine()
+        .Macros(),
     Flag("Anti-aliased", "1"),
     Integer("Opacity", "100").Clamp(0, 100).Unit("%")};
 constexpr DialogSpec kDialog{.title = "Text overlay (absolute) - multiple lines",
@@ -127,9 +128,8 @@ Image PreviewText(ConstImageView before, Size sample, const Fields& fields) {
     params.y = PreviewLength(params.y, before.Height(), sample.height, 0);
     ShrinkStyle(params.style, before.Width(), sample.width);
     return PreviewOn(before, [&](ImageView after) {
-        OverlayTextLines(after,
-                         io::ParseLine(WithLineBreaks(fields.Text(kText)), PreviewMacros(sample)),
-                         params, [](std::string_view) {});
+        OverlayTextLines(after, WithLineBreaks(fields.Text(kText)), params,
+                         [](std::string_view) {});
     });
 }
 

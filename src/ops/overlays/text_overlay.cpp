@@ -56,7 +56,7 @@ constexpr std::string_view kAnchorNames[] = {"start of text", "center of text", 
 
 constexpr std::array kFields{Integer("% right", "10").Clamp(0, 100),
                              Integer("% down", "10").Clamp(0, 100),
-                             Text("Text:", "Put message here").Quoted(),
+                             Text("Text:", "Put message here").Quoted().Macros(),
                              Flag("Text on a background", "0").Stored("1", "0"),
                              Red("Background color:", "30"),
                              Green("30"),
@@ -64,7 +64,7 @@ constexpr std::array kFields{Integer("% right", "10").Clamp(0, 100),
                              Integer("Text hgt(%):", "10").Clamp(0, 100),
                              Choice("Height", "1", kHeightNames),
                              Integer("Font height:", "-24"),
-                             Integer("Weight:", "700").Clamp(100, 1000),
+                             Integer("Weight:", "700").Clamp(0, 1000),
                              Flag("Italic", "F").Stored("F", "T"),
                              Flag("Underline", "F").Stored("F", "T"),
                              Flag("Strikeout", "F").Stored("F", "T"),
@@ -139,8 +139,7 @@ Image PreviewText(ConstImageView before, Size sample, const Fields& fields) {
     TextLineParams params = ReadText(fields);
     ShrinkStyle(params.style, before.Width(), sample.width);
     return PreviewOn(before, [&](ImageView after) {
-        OverlayTextLine(after, io::ParseLine(fields.Text(kText), PreviewMacros(sample)), params,
-                        [](std::string_view) {});
+        OverlayTextLine(after, fields.Text(kText), params, [](std::string_view) {});
     });
 }
 

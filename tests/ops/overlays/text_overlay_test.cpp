@@ -450,13 +450,6 @@ TEST_F(TextOverlay, ThePreviewShowsTheRunInSmall) {
     EXPECT_NEAR(shown.top, run.top / 5, 1);
     EXPECT_NEAR(shown.Extent().width, run.Extent().width / 5, 8);
     EXPECT_NEAR(shown.Extent().height, run.Extent().height / 5, 3);
-    // Sizes are those of the sample.
-    params.text = "$(size)";
-    Params literal = params;
-    literal.text = "1600x1200";
-    EXPECT_TRUE(test::SamePixels(
-        kTextOverlayCommand.preview(small.View(), sample, script::ParseParams(params.String())),
-        kTextOverlayCommand.preview(small.View(), sample, script::ParseParams(literal.String()))));
     // A font in pixels shrinks as the sample did.
     params.mode = "0";
     params.height = "-100";
