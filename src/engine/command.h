@@ -41,7 +41,8 @@ inline constexpr Opening kOwnFlow{.needsImage = false, .skipInTest = false, .own
 using Handler = Outcome (*)(CLumoscriptView& view, const script::Fields& fields);
 
 /// The picture that the dialog shows for these fields; `before` is the scaled-down sample and
-/// `sample` the size of the sample itself. Empty: nothing to show.
+/// `sample` the size of the sample itself. Fields that take macros come with them replaced. Empty:
+/// nothing to show.
 using Preview = imaging::Image (*)(imaging::ConstImageView before, imaging::Size sample,
                                    const script::Fields& fields);
 

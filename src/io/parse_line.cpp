@@ -13,6 +13,26 @@ constexpr std::string_view kOpen = "$(";
 constexpr std::string_view kCounter = "counter";
 constexpr std::string_view kDate = "date";
 
+constexpr OfferedMacro kOffered[] = {
+    {"$(filename)", "name of the file, with extension"},
+    {"$(date)", "date"},
+    {"$(filepath)", "path of the file"},
+    {"$(filetitle)", "name of the file, without extension"},
+    {"$(height)", "height of the image at this step"},
+    {"$(width)", "width of the image at this step"},
+    {"$(size)", "size of the image at this step"},
+    {"$(counterA)", "counter A"},
+    {"$(counterB)", "counter B"},
+    {"$(counterC)", "counter C"},
+    {"$(counterD)", "counter D"},
+    {"$(counterE)", "counter E"},
+    {"$(counterF)", "counter F"},
+    {"$(counterG)", "counter G"},
+    {"$(counterH)", "counter H"},
+    {"$(counterI)", "counter I"},
+    {"$(counterJ)", "counter J"},
+};
+
 bool IsSeparator(char c) {
     return c == '/' || c == '\\' || c == '\0';
 }
@@ -77,6 +97,10 @@ std::string ParseLine(std::string_view text, const MacroValues& values) {
     std::string result;
     Expand(text, values, result, [](std::string&) {});
     return result;
+}
+
+std::span<const OfferedMacro> OfferedMacros() {
+    return kOffered;
 }
 
 std::optional<std::string> ParseNamePart(std::string_view text, const MacroValues& values) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <ctime>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -34,6 +35,15 @@ MacroValues MacrosOf(const engine::CLumoscriptView& view);
 /// format behind "date". What is no macro stays as it stands; what a macro brings in is not looked
 /// at again, so a file called "$(date).jpg" keeps its name.
 std::string ParseLine(std::string_view text, const MacroValues& values);
+
+/// A macro as it is put into a text, and what it stands for.
+struct OfferedMacro {
+    std::string_view macro;
+    std::string_view meaning;
+};
+
+/// What a form offers to put into a text, in the order shown.
+std::span<const OfferedMacro> OfferedMacros();
 
 /// As ParseLine, for a part of a file name. Separators that a macro brings in become "-"; none if
 /// the text itself holds one, since a name must never leave its folder.

@@ -46,6 +46,7 @@ struct FieldSpec {
     bool quoteFactory = false;     // the factory string has it in quotes
     bool multiLine = false;        // Text
     std::string_view lineBreak;    // Text of several lines: as stored; empty: LF
+    bool takesMacros = false;      // Text: a run replaces what io::ParseLine knows
     int maxLength = 0;             // Text: characters; 0: no limit
     std::string_view fileFilter;   // Path: for the chooser
     std::string_view unit;         // shown behind the control
@@ -87,6 +88,11 @@ struct FieldSpec {
         FieldSpec copy = *this;
         copy.multiLine = true;
         copy.lineBreak = storedBreak;
+        return copy;
+    }
+    constexpr FieldSpec Macros() const {
+        FieldSpec copy = *this;
+        copy.takesMacros = true;
         return copy;
     }
     constexpr FieldSpec MaxLength(int characters) const {

@@ -7,9 +7,11 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
+#include <ctime>
 #include <utility>
 
 #include "engine/editing.h"
+#include "io/parse_line.h"
 #include "script/catalogue.h"
 #include "ui/dialog_placement.h"
 #include "ui/text.h"
@@ -23,6 +25,24 @@ constexpr double kScreenShare = 0.8;
 
 imaging::ConstImageView SampleOf(const engine::CLumoscriptView& view) {
     return view.run.batchRunning ? view.sample.left.View() : view.working.main.View();
+}
+
+/// What macros stand for on the sample. During a batch run names and counters belong to the worker.
+io::MacroValues SampleMacros(const engine::CLumoscriptView& view) {
+    io::MacroValues values{.dateFormat = view.settings.dateFormat,
+                           .filePath = "$(filepath)",
+                           .fileName = "$(filename)",
+                           .fileTitle = "$(filetitle)",
+                           .size = SampleOf(view).Extent(),
+                           .now = std::time(nullptr)};
+    if (view.run.batchRunning) return values;
+    values.counters = view.counters;
+    const std::string& path = view.sample.path;
+    if (path.empty()) return values;
+    values.filePath = path;
+    values.fileName = path.substr(path.rfind('/') + 1);
+    values.fileTitle = values.fileName.substr(0, values.fileName.rfind('.'));
+    return values;
 }
 
 std::string_view WindowStateOf(const engine::Command& command) {
@@ -139,7 +159,14 @@ void CommandForm::StartPreview(imaging::ConstImageView sample) {
 }
 
 void CommandForm::RequestPreview() {
-    renderer_->Request(preview_->Before().FrameSize(), ReadParams(command_.spec, Params()));
+    script::Fields fields = ReadParams(command_.spec, Params());
+    const auto specs = command_.spec.fields;
+    for (std::size_t i = 0; i < specs.size(); ++i) {
+        if (!specs[i].takesMacros) continue;
+        const int field = static_cast<int>(i);
+        fields.Set(field, io::ParseLine(fields.Text(field), SampleMacros(view_)));
+    }
+    renderer_->Request(preview_->Before().FrameSize(), std::move(fields));
 }
 
 void CommandForm::ShowPreview(const PreviewPictures& pictures) {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "script/characters.h"
+#include "ui/insert_info.h"
 
 namespace lumo::ui {
 namespace {
@@ -39,6 +40,11 @@ TextControl::TextControl(const script::FieldSpec& spec, int field, QWidget* pare
     auto* line = new QVBoxLayout(this);
     line->setContentsMargins(0, 0, 0, 0);
     line->addWidget(edit_);
+    if (spec.takesMacros)
+        line->addWidget(MakeInsertInfo([edit = edit_](const QString& macro) {
+            edit->insert(macro);
+            edit->setFocus();
+        }));
     connect(edit_, &QLineEdit::textChanged, this, &FieldControl::Changed);
 }
 
@@ -61,6 +67,11 @@ MultiLineControl::MultiLineControl(const script::FieldSpec& spec, int field, QWi
     line->addWidget(edit_);
     edit_->setTabChangesFocus(true);
     edit_->setMinimumHeight(edit_->fontMetrics().lineSpacing() * kShownLines);
+    if (spec.takesMacros)
+        line->addWidget(MakeInsertInfo([edit = edit_](const QString& macro) {
+            edit->insertPlainText(macro);
+            edit->setFocus();
+        }));
     connect(edit_, &QPlainTextEdit::textChanged, this, &FieldControl::Changed);
 }
 

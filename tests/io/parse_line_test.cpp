@@ -31,6 +31,19 @@ TEST(ParseLine, ReplacesEveryMacro) {
               "Sample 640x480\r\nFilename: Cat.JPG");
 }
 
+TEST(ParseLine, KnowsEveryMacroThatIsOffered) {
+    std::string all;
+    for (const OfferedMacro& offered : OfferedMacros()) {
+        all += offered.macro;
+        EXPECT_NE(ParseLine(offered.macro, Values()), offered.macro);
+        EXPECT_FALSE(offered.meaning.empty());
+    }
+    EXPECT_EQ(all,
+              "$(filename)$(date)$(filepath)$(filetitle)$(height)$(width)$(size)$(counterA)"
+              "$(counterB)$(counterC)$(counterD)$(counterE)$(counterF)$(counterG)$(counterH)"
+              "$(counterI)$(counterJ)");
+}
+
 TEST(ParseLine, LeavesWhatIsNoMacroAsItStands) {
     const MacroValues values = Values();
     for (const std::string_view text :

@@ -6,15 +6,18 @@
 #include <QColorDialog>
 #include <QDialogButtonBox>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QTest>
+#include <QToolButton>
 #include <array>
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <mutex>
 #include <set>
 #include <string>
 #include <thread>
@@ -424,6 +427,43 @@ TEST_F(Form, MaximumLengthHoldsForTypingOnly) {
     EXPECT_EQ(script::ParseParams(form->Params()).Text(0).size(), 40U);
 }
 
+TEST_F(Form, InsertInfoPutsAMacroWhereTheCursorStands) {
+    const auto pick = [&](FieldControl& control, const QString& macro) {
+        auto* button = control.findChild<QToolButton*>();
+        ASSERT_TRUE(button && button->text() == QLatin1String("Insert info"));
+        for (QAction* action : button->menu()->actions())
+            if (action->text().startsWith(macro)) action->trigger();
+    };
+    Open(names::kTextOverlay);
+    QLineEdit& line = At<TextControl>(2).Edit();
+    line.setText(QStringLiteral("on  at"));
+    line.setCursorPosition(3);
+    pick(At<TextControl>(2), QStringLiteral("$(date)"));
+    pick(At<TextControl>(2), QStringLiteral("$(counterJ)"));
+    EXPECT_EQ(line.text(), QStringLiteral("on $(date)$(counterJ) at"));
+    EXPECT_EQ(script::ParseParams(form->Params()).Text(2), "on $(date)$(counterJ) at");
+    // A face is no text with macros.
+    EXPECT_FALSE(At<TextControl>(14).findChild<QToolButton*>());
+
+    Open(names::kTextOverlayAbsolute);
+    QPlainTextEdit& lines = At<MultiLineControl>(15).Edit();
+    lines.setPlainText(QStringLiteral("one\ntwo "));
+    lines.moveCursor(QTextCursor::End);
+    pick(At<MultiLineControl>(15), QStringLiteral("$(filepath)"));
+    EXPECT_EQ(script::ParseParams(form->Params()).Text(15), "one\ntwo $(filepath)");
+}
+
+TEST_F(Form, AnUnusedInsertInfoChangesNothing) {
+    Open(names::kTextOverlay);
+    form->accept();
+    EXPECT_EQ(script::ParseParams(form->Params()).Text(2), "Put message here");
+    EXPECT_EQ(script::ParseParams(form->Params()).Text(10), "700");
+    // A weight of 0 is the normal one, not the lightest.
+    Open(names::kTextOverlay, "20,1,1,x,0,0,0,0,10,0,-24,0,F,F,F,arial,0,0,0,0,0,");
+    form->accept();
+    EXPECT_EQ(script::ParseParams(form->Params()).Text(10), "0");
+}
+
 TEST_F(Form, FollowersFollowWhileTheBoxIsOn) {
     Show(names::kCrop, "6,10,20,30,40,0,0,");
     ASSERT_TRUE(form->Fields().FollowBox());
@@ -650,6 +690,48 @@ TEST_F(Form, PreviewShowsWhatTheCommandDoes) {
     const QRgb pixel = before.pixel(5, 5);
     EXPECT_EQ(form->Preview()->After().Picture().pixel(5, 5),
               qRgb(255 - qRed(pixel), 255 - qGreen(pixel), 255 - qBlue(pixel)));
+}
+
+constexpr std::array kMacroFields{script::Text("Text", "").Quoted().Macros(),
+                                  script::Text("Other", "").Quoted()};
+std::mutex shownMutex;
+std::string shownText;
+
+imaging::Image MacroPreview(imaging::ConstImageView before, imaging::Size, const Fields& fields) {
+    const std::lock_guard lock(shownMutex);
+    shownText = fields.Text(0) + "|" + fields.Text(1);
+    return std::move(*imaging::Image::TryCopy(before));
+}
+
+const Command kMacroCommand{.spec = {.name = "Macro", .fields = kMacroFields},
+                            .preview = MacroPreview};
+
+TEST_F(Form, PreviewShowsWhatTheMacrosOfATextStandFor) {
+    view.sample.path = "/photos/IMG 1.tar.jpg";
+    view.settings.dateFormat = "day %%";
+    view.counters[2] = 42;
+    const char* const params =
+        "2,\"$(size) $(filetitle) $(filename) $(filepath) $(date) $(counterC)\",\"$(size)\",";
+    const auto shown = [&] {
+        const std::lock_guard lock(shownMutex);
+        return shownText;
+    };
+    const auto open = [&] {
+        form = std::make_unique<CommandForm>(view, kMacroCommand, params);
+        form->show();
+    };
+    open();
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return shown() == "60x40 IMG 1.tar IMG 1.tar.jpg /photos/IMG 1.tar.jpg day % 42|$(size)";
+    })) << shown();
+    // During a run they belong to the worker.
+    view.run.batchRunning = true;
+    view.sample.left = test::CoordinateImage({10, 90});
+    open();
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return shown() == "10x90 $(filetitle) $(filename) $(filepath) day % 0|$(size)";
+    })) << shown();
+    view.run.batchRunning = false;
 }
 
 TEST_F(Form, PreviewObeysTheRangeWhileTheEditDoesNot) {

@@ -90,6 +90,80 @@ LUMO_SIMD_CLONES void AddRow(const std::uint8_t* row, std::size_t bytes, std::ui
     for (std::size_t i = 0; i < bytes; ++i) sums[i] += row[i];
 }
 
+// Blocks of few pixels, on which one by one most of the time would go: sums, averages and the
+// spreading of an average over its block are made for every byte of a strip, as if a block began
+// at each pixel, and only those of the blocks that do are kept.
+constexpr int kSmallWidth = 4;
+// Up to here the product below is the truncated quotient for every sum of that many bytes.
+constexpr std::int64_t kSmallArea = 16;
+constexpr std::size_t kSmallReach = std::size_t{kSmallWidth - 1} * kChannels;
+
+bool IsSmall(Size block) {
+    return block.width <= kSmallWidth && block.Area() <= kSmallArea && block.Area() > 1;
+}
+
+LUMO_SIMD_CLONES void AddShortRow(const std::uint8_t* row, std::size_t bytes, std::uint16_t* sums) {
+    for (std::size_t i = 0; i < bytes; ++i) sums[i] = static_cast<std::uint16_t>(sums[i] + row[i]);
+}
+
+// Averages of `width` columns from each byte on; there are kSmallReach sums more than bytes.
+LUMO_SIMD_CLONES void AverageFromEach(const std::uint16_t* sums, std::size_t bytes, int width,
+                                      std::uint16_t share, std::uint8_t* averages) {
+    std::array<std::uint16_t, kStripBytes> totals;
+    std::copy_n(sums, bytes, totals.begin());
+    for (int column = 1; column < width; ++column) {
+        const std::uint16_t* const next = sums + std::ptrdiff_t{column} * kChannels;
+        for (std::size_t i = 0; i < bytes; ++i)
+            totals[i] = static_cast<std::uint16_t>(totals[i] + next[i]);
+    }
+    for (std::size_t i = 0; i < bytes; ++i)
+        averages[i] = static_cast<std::uint8_t>((std::uint32_t{totals[i]} * share) >> 16U);
+}
+
+// Adds what the blocks' pixels at one place in them take of the averages `place` pixels before.
+LUMO_SIMD_CLONES void SpreadPlace(const std::uint8_t* averages, const std::uint8_t* mask,
+                                  std::size_t bytes, std::uint8_t* line) {
+    for (std::size_t i = 0; i < bytes; ++i)
+        line[i] = static_cast<std::uint8_t>(line[i] | (averages[i] & mask[i]));
+}
+
+// As FlattenStrip, for small blocks that fill the width of the strip.
+class SmallBlocks {
+  public:
+    SmallBlocks(Size block) : block_(block) {
+        for (std::size_t place = 0; place < masks_.size(); ++place)
+            for (std::size_t i = 0; i < kStripBytes; ++i)
+                masks_[place][i] =
+                    i / kChannels % static_cast<std::size_t>(block.width) == place ? 0xFF : 0;
+    }
+
+    void Flatten(ImageView image, Rect strip) const {
+        const std::size_t bytes = imaging::StrideOf(strip.Extent());
+        std::array<std::uint16_t, kStripBytes + kSmallReach> sums;
+        std::fill_n(sums.begin(), bytes + kSmallReach, std::uint16_t{0});
+        for (int y = strip.top; y < strip.bottom; ++y)
+            AddShortRow(image.At(strip.left, y), bytes, sums.data());
+        // The averages stand behind as many zeros as a block reaches to the right.
+        std::array<std::uint8_t, kSmallReach + kStripBytes> averages;
+        std::fill_n(averages.begin(), kSmallReach, std::uint8_t{0});
+        std::uint8_t* const first = averages.data() + kSmallReach;
+        const int area = block_.width * (strip.bottom - strip.top);
+        const auto share = static_cast<std::uint16_t>((0x10000 + area - 1) / area);
+        AverageFromEach(sums.data(), bytes, block_.width, share, first);
+        std::array<std::uint8_t, kStripBytes> line;
+        std::fill_n(line.begin(), bytes, std::uint8_t{0});
+        for (int place = 0; place < block_.width; ++place)
+            SpreadPlace(first - std::ptrdiff_t{place} * kChannels,
+                        masks_[static_cast<std::size_t>(place)].data(), bytes, line.data());
+        for (int y = strip.top; y < strip.bottom; ++y)
+            std::memcpy(image.At(strip.left, y), line.data(), bytes);
+    }
+
+  private:
+    Size block_;
+    std::array<std::array<std::uint8_t, kStripBytes>, kSmallWidth> masks_;  // by place in the block
+};
+
 // Adds the sums of each run of `width` columns (the last may be shorter) to `blocks`.
 void SumBlocks(ConstImageView image, Rect strip, int width, Sums* blocks) {
     std::array<std::uint32_t, kStripBytes> columns;
@@ -165,17 +239,29 @@ void MosaicImage(ImageView image, Size block) {
     const int height = std::min(block.height, image.Height());
     const int step = width > kStripPixels ? width : kStripPixels / width * width;
     const int bands = (image.Height() - 1) / height + 1;
+    std::optional<SmallBlocks> small;
+    if (IsSmall({width, height})) small.emplace(Size{width, height});
+    // A block cut off at the right, and a row of single pixels, which have no share in 16 bits.
+    const auto fits = [&](Rect strip) {
+        return small && strip.Extent().width >= width && width * strip.Extent().height > 1;
+    };
     const std::size_t bandBytes = image.Stride() * static_cast<std::size_t>(height);
     imaging::ForRows(bands, bandBytes, [&](int first, int last) {
         for (int band = first; band < last; ++band) {
             const int top = band * height;
             const int bottom = std::min(image.Height() - top, height) + top;
             for (int x = 0; x < image.Width(); x += step) {
-                const Rect strip{x, top, std::min(image.Width() - x, step) + x, bottom};
-                if (width > kStripPixels)
+                Rect strip{x, top, std::min(image.Width() - x, step) + x, bottom};
+                if (width > kStripPixels) {
                     FlattenBlock(image, strip);
-                else
-                    FlattenStrip(image, strip, width);
+                    continue;
+                }
+                if (fits(strip)) {
+                    const int whole = strip.left + strip.Extent().width / width * width;
+                    small->Flatten(image, {strip.left, top, whole, bottom});
+                    strip.left = whole;
+                }
+                if (strip.left < strip.right) FlattenStrip(image, strip, width);
             }
         }
     });

@@ -54,7 +54,7 @@ constexpr std::array kFields{
     Green("30"),
     Blue("30"),
     Integer("Font height:", "-24"),
-    Integer("Weight:", "700").Clamp(100, 1000),
+    Integer("Weight:", "700").Clamp(0, 1000),
     Flag("Italic", "F").Stored("F", "T"),
     Flag("Underline", "F").Stored("F", "T"),
     Flag("Strikeout", "F").Stored("F", "T"),
@@ -64,7 +64,8 @@ constexpr std::array kFields{
     Blue("255"),
     Text("Text:", "Sample $(size)\r\nFilename: $(filename)\r\nDate: $(date)")
         .Quoted(true)
-        .MultiLine(),
+        .MultiLine()
+        .Macros(),
     Flag("Anti-aliased", "1"),
     Integer("Opacity", "100").Clamp(0, 100).Unit("%")};
 constexpr DialogSpec kDialog{.title = "Text overlay (absolute) - multiple lines",
@@ -127,9 +128,8 @@ Image PreviewText(ConstImageView before, Size sample, const Fields& fields) {
     params.y = PreviewLength(params.y, before.Height(), sample.height, 0);
     ShrinkStyle(params.style, before.Width(), sample.width);
     return PreviewOn(before, [&](ImageView after) {
-        OverlayTextLines(after,
-                         io::ParseLine(WithLineBreaks(fields.Text(kText)), PreviewMacros(sample)),
-                         params, [](std::string_view) {});
+        OverlayTextLines(after, WithLineBreaks(fields.Text(kText)), params,
+                         [](std::string_view) {});
     });
 }
 
@@ -149,15 +149,19 @@ struct LinesBox {
 };
 
 LinesBox Measure(const std::string& text, int lines, const TextStyle& style,
-                 const ReportFailure& report) {
+                 const ReportFailure& report, const TextServices& services) {
     const bool smooth = style.smoothing == Smoothing::Smooth;
     const int factor = smooth ? kSmoothingFactor : 1;
     const int height = style.font.height == 0 ? imaging::kDefaultTextHeight : style.font.height;
     // All lines at once: the widest, and the highest as often as there are lines.
-    const Size size = MeasureText(
-        text, WithHeight(style.font, std::int64_t{height} * factor), style.smoothing,
-        smooth ? "Cmd_84 Text Absolute L4411: " : "Cmd_84 Text Absolute L3957: ", report);
-    return {size.width / factor, size.height / factor, size.height / lines / factor};
+    const auto size = services.measure(text, WithHeight(style.font, std::int64_t{height} * factor),
+                                       style.smoothing);
+    if (!size) {
+        for (int line = 0; line < lines; ++line)
+            report(smooth ? "Cmd_84 Text Absolute L4411: " : "Cmd_84 Text Absolute L3957: ");
+        return {};
+    }
+    return {size->width / factor, size->height / factor, size->height / lines / factor};
 }
 
 }  // namespace
@@ -192,36 +196,34 @@ std::vector<std::string> SplitAtReturns(std::string_view text) {
 }
 
 bool OverlayTextLines(ImageView image, std::string_view text, const TextLinesParams& params,
-                      const ReportFailure& report) {
+                      const ReportFailure& report, const TextServices& services) {
     const TextStyle& style = params.style;
     const std::vector<std::string> lines = SplitAtReturns(text);
     const std::string whole = Join(lines);
     const Rect inImage{params.x, params.y, image.Width(), image.Height()};
     const bool smooth = style.smoothing == Smoothing::Smooth;
     if (!smooth && !style.onBackground) {
-        if (!DrawStyled(image, whole, style, inImage, style.opacity))
+        if (!DrawStyled(image, whole, style, inImage, style.opacity, services))
             report("Cmd_84 Text Absolute L4287: ");
         return true;
     }
-    const LinesBox box = Measure(whole, static_cast<int>(lines.size()), style, report);
+    const LinesBox box = Measure(whole, static_cast<int>(lines.size()), style, report, services);
     // Draws each line for itself, the first one at the top left of the rectangle.
-    const auto drawLines = [&](ImageView target, Rect rect, double opacity) {
-        bool ok = true;
+    const auto drawLines = [&](ImageView target, Rect rect, double opacity,
+                               std::string_view words) {
         std::int64_t y = rect.top;
         for (const std::string& line : lines) {
             if (y >= target.Height()) break;
             // A line far above has no ink on the picture.
-            if (y > -kSmoothingFactor * std::int64_t{box.step})
-                ok = DrawStyled(target, line, style,
-                                {rect.left, static_cast<int>(y), rect.right, rect.bottom},
-                                opacity) &&
-                     ok;
+            const bool reaches = y >= -kSmoothingFactor * std::int64_t{box.step};
+            const Rect place{rect.left, static_cast<int>(y), rect.right, rect.bottom};
+            if (reaches && !DrawStyled(target, line, style, place, opacity, services))
+                report(words);
             y += box.step;
         }
-        return ok;
     };
     if (!style.onBackground) {
-        if (!drawLines(image, inImage, style.opacity)) report("Cmd_84 Text Absolute L4505: ");
+        drawLines(image, inImage, style.opacity, "Cmd_84 Text Absolute L4505: ");
         return true;
     }
     const int margin = style.margin;
@@ -229,12 +231,16 @@ bool OverlayTextLines(ImageView image, std::string_view text, const TextLinesPar
     const std::int64_t top = std::max<std::int64_t>(std::int64_t{params.y} - margin, 0);
     const Size size{LimitPixels(std::min(box.width + 2 * margin, image.Width() - left)),
                     LimitPixels(std::min(box.height + 2 * margin, image.Height() - top))};
-    return LayBlock(image, LimitPixels(left), LimitPixels(top), size, style,
-                    smooth ? kSmoothWords : kAliasedWords, report, [&](ImageView block) {
+    const BlockWords& words = smooth ? kSmoothWords : kAliasedWords;
+    return LayBlock(image, LimitPixels(left), LimitPixels(top), size, style, words, report,
+                    services, [&](ImageView block) {
+                        const Rect inBlock{margin, margin, size.width, size.height};
+                        // Lines that are laid out together reach as far as the image does.
+                        const Rect together{margin, margin, image.Width(), image.Height()};
                         if (smooth)
-                            return drawLines(block, {margin, margin, size.width, size.height}, 1.0);
-                        return DrawStyled(block, whole, style,
-                                          {margin, margin, image.Width(), image.Height()}, 1.0);
+                            drawLines(block, inBlock, 1.0, words.draw);
+                        else if (!DrawStyled(block, whole, style, together, 1.0, services))
+                            report(words.draw);
                     });
 }
 

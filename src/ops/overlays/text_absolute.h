@@ -26,8 +26,10 @@ std::vector<std::string> SplitAtReturns(std::string_view text);
 /// at four times their height and stand a quarter of the highest of them apart. On a background the
 /// block is the widest line and the number of lines times the highest, with margins, and stands by
 /// a margin to the left and above (not past the edges); what passes the image at the right or below
-/// is cut off. A step that fails is reported; false only if there is no block.
+/// is cut off. A step that fails is reported, those on single lines for each line; false only if
+/// there is no block.
 bool OverlayTextLines(imaging::ImageView image, std::string_view text,
-                      const TextLinesParams& params, const ReportFailure& report);
+                      const TextLinesParams& params, const ReportFailure& report,
+                      const TextServices& services = {});
 
 }  // namespace lumo::ops::overlays

@@ -56,7 +56,7 @@ constexpr std::string_view kAnchorNames[] = {"start of text", "center of text", 
 
 constexpr std::array kFields{Integer("% right", "10").Clamp(0, 100),
                              Integer("% down", "10").Clamp(0, 100),
-                             Text("Text:", "Put message here").Quoted(),
+                             Text("Text:", "Put message here").Quoted().Macros(),
                              Flag("Text on a background", "0").Stored("1", "0"),
                              Red("Background color:", "30"),
                              Green("30"),
@@ -64,7 +64,7 @@ constexpr std::array kFields{Integer("% right", "10").Clamp(0, 100),
                              Integer("Text hgt(%):", "10").Clamp(0, 100),
                              Choice("Height", "1", kHeightNames),
                              Integer("Font height:", "-24"),
-                             Integer("Weight:", "700").Clamp(100, 1000),
+                             Integer("Weight:", "700").Clamp(0, 1000),
                              Flag("Italic", "F").Stored("F", "T"),
                              Flag("Underline", "F").Stored("F", "T"),
                              Flag("Strikeout", "F").Stored("F", "T"),
@@ -139,8 +139,7 @@ Image PreviewText(ConstImageView before, Size sample, const Fields& fields) {
     TextLineParams params = ReadText(fields);
     ShrinkStyle(params.style, before.Width(), sample.width);
     return PreviewOn(before, [&](ImageView after) {
-        OverlayTextLine(after, io::ParseLine(fields.Text(kText), PreviewMacros(sample)), params,
-                        [](std::string_view) {});
+        OverlayTextLine(after, fields.Text(kText), params, [](std::string_view) {});
     });
 }
 
@@ -151,14 +150,16 @@ int FontHeightByPercent(int percent, int imageHeight) {
 }
 
 bool OverlayTextLine(ImageView image, std::string text, const TextLineParams& params,
-                     const ReportFailure& report) {
+                     const ReportFailure& report, const TextServices& services) {
     TextStyle style = params.style;
     if (params.sizedByImage)
         style.font.height = FontHeightByPercent(params.heightPercent, image.Height());
     std::int64_t x = std::int64_t{params.xPercent} * image.Width() / 100;
     const int y = LimitPixels(std::int64_t{params.yPercent} * image.Height() / 100);
     const auto measure = [&](std::string_view words) {
-        return MeasureText(text, style.font, style.smoothing, words, report);
+        const auto size = services.measure(text, style.font, style.smoothing);
+        if (!size) report(words);
+        return size.value_or(Size{});
     };
 
     Size size = measure("Cmd_83 Text Overlay L3708: ");
@@ -180,15 +181,14 @@ bool OverlayTextLine(ImageView image, std::string text, const TextLineParams& pa
 
     const int left = LimitPixels(x);
     const bool smooth = style.smoothing == Smoothing::Smooth;
+    const BlockWords& words = smooth ? kSmoothWords : kAliasedWords;
     if (style.onBackground)
-        return LayBlock(image, left, y, size, style, smooth ? kSmoothWords : kAliasedWords, report,
-                        [&](ImageView block) {
-                            return DrawStyled(block, text, style,
-                                              {style.margin, style.margin, size.width, size.height},
-                                              1.0);
-                        });
+        return LayBlock(image, left, y, size, style, words, report, services, [&](ImageView block) {
+            const Rect rect{style.margin, style.margin, size.width, size.height};
+            if (!DrawStyled(block, text, style, rect, 1.0, services)) report(words.draw);
+        });
     const Rect rect{left, y, image.Width(), image.Height()};
-    if (!DrawStyled(image, text, style, rect, style.opacity))
+    if (!DrawStyled(image, text, style, rect, style.opacity, services))
         report(smooth ? "Cmd_83 Text Overlay L3773: " : "Cmd_83 Text Overlay L3738: ");
     return true;
 }

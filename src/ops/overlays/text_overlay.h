@@ -27,6 +27,6 @@ int FontHeightByPercent(int percent, int imageHeight);
 /// margins included, but not past the left edge. On a background the block is the text and its
 /// margins. A step that fails is reported; false only if there is no memory for the block.
 bool OverlayTextLine(imaging::ImageView image, std::string text, const TextLineParams& params,
-                     const ReportFailure& report);
+                     const ReportFailure& report, const TextServices& services = {});
 
 }  // namespace lumo::ops::overlays

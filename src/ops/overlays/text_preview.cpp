@@ -1,21 +1,10 @@
 #include "ops/overlays/text_preview.h"
 
 #include <cstdlib>
-#include <ctime>
 
 #include "ops/preview_copy.h"
-#include "settings/settings.h"
 
 namespace lumo::ops::overlays {
-
-io::MacroValues PreviewMacros(imaging::Size sample) {
-    return {.dateFormat = settings::Settings().dateFormat,
-            .filePath = "$(filepath)",
-            .fileName = "$(filename)",
-            .fileTitle = "$(filetitle)",
-            .size = sample,
-            .now = std::time(nullptr)};
-}
 
 void ShrinkStyle(TextStyle& style, int shown, int sample) {
     const int height = style.font.height == 0 ? imaging::kDefaultTextHeight : style.font.height;

@@ -4,8 +4,6 @@
 #include <limits>
 #include <utility>
 
-#include "imaging/compose.h"
-
 namespace lumo::ops::overlays {
 namespace {
 
@@ -49,32 +47,24 @@ int LimitPixels(std::int64_t pixels) {
                                                      std::numeric_limits<int>::max()));
 }
 
-Size MeasureText(std::string_view text, const TextFont& font, Smoothing smoothing,
-                 std::string_view words, const ReportFailure& report) {
-    const auto size = imaging::GetTextLineSize2(text, font, smoothing);
-    if (!size) report(words);
-    return size.value_or(Size{});
-}
-
 bool DrawStyled(ImageView image, std::string_view text, const TextStyle& style, Rect rect,
-                double opacity) {
-    const auto draw = style.smoothing == Smoothing::Smooth ? imaging::DrawSmoothTextOnRGB2
-                                                           : imaging::DrawTextOnRGB2;
+                double opacity, const TextServices& services) {
+    const auto& draw = style.smoothing == Smoothing::Smooth ? services.drawSmooth : services.draw;
     return draw(image, text, style.font, rect, style.colour, opacity);
 }
 
 bool LayBlock(ImageView image, int x, int y, Size size, const TextStyle& style,
-              const BlockWords& words, const ReportFailure& report,
-              const std::function<bool(ImageView block)>& write) {
+              const BlockWords& words, const ReportFailure& report, const TextServices& services,
+              const std::function<void(ImageView block)>& write) {
     auto block = imaging::Image::TryCreate(size);
     if (!block) {
         report(words.memory);
         return false;
     }
-    if (!imaging::FillSolidRect(block->View(), {0, 0, size.width, size.height}, style.background))
+    if (!services.fill(block->View(), {0, 0, size.width, size.height}, style.background))
         report(words.fill);
-    if (!write(block->View())) report(words.draw);
-    if (!imaging::OverlayImage(image, std::as_const(*block).View(), x, y, style.opacity))
+    write(block->View());
+    if (!services.overlay(image, std::as_const(*block).View(), x, y, style.opacity))
         report(words.overlay);
     return true;
 }

@@ -6,6 +6,7 @@
 #include <functional>
 #include <string_view>
 
+#include "imaging/compose.h"
 #include "imaging/draw_text.h"
 #include "script/fields.h"
 
@@ -43,20 +44,26 @@ struct BlockWords {
     std::string_view memory, fill, draw, overlay;
 };
 
-/// The size of the text, none reported through `words` if it cannot be measured.
-imaging::Size MeasureText(std::string_view text, const imaging::TextFont& font,
-                          imaging::Smoothing smoothing, std::string_view words,
-                          const ReportFailure& report);
+/// What does the work of the steps, so that a test may let any of them fail.
+struct TextServices {
+    std::function<decltype(imaging::GetTextLineSize2)> measure = imaging::GetTextLineSize2;
+    std::function<decltype(imaging::DrawTextOnRGB2)> draw = imaging::DrawTextOnRGB2;
+    std::function<decltype(imaging::DrawSmoothTextOnRGB2)> drawSmooth =
+        imaging::DrawSmoothTextOnRGB2;
+    std::function<decltype(imaging::FillSolidRect)> fill = imaging::FillSolidRect;
+    std::function<decltype(imaging::OverlayImage)> overlay = imaging::OverlayImage;
+};
 
 /// Draws the text in its style, smooth or not, with that opacity.
 bool DrawStyled(imaging::ImageView image, std::string_view text, const TextStyle& style,
-                imaging::Rect rect, double opacity);
+                imaging::Rect rect, double opacity, const TextServices& services);
 
 /// Makes a block of the background colour, lets `write` draw on it and lays it on the image at
-/// (x, y), as a whole at the opacity of the style. A step that fails is reported and the next one
-/// is taken; false only if there is no memory for the block, or no pixel in it.
+/// (x, y), as a whole at the opacity of the style. `write` reports its own failures. A step that
+/// fails is reported and the next one is taken; false only if there is no memory for the block, or
+/// no pixel in it.
 bool LayBlock(imaging::ImageView image, int x, int y, imaging::Size size, const TextStyle& style,
-              const BlockWords& words, const ReportFailure& report,
-              const std::function<bool(imaging::ImageView block)>& write);
+              const BlockWords& words, const ReportFailure& report, const TextServices& services,
+              const std::function<void(imaging::ImageView block)>& write);
 
 }  // namespace lumo::ops::overlays

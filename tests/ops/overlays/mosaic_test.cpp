@@ -53,6 +53,36 @@ TEST(MosaicImage, AveragesAsThePlainLoop) {
         for (const int block : {2, 4, 5}) ExpectAsPlain({40, height + 3}, {block, height});
 }
 
+TEST(MosaicImage, SmallBlocksOfEveryShapeAverageAsThePlainLoop) {
+    for (int across = 1; across <= 6; ++across)
+        for (int down = 1; down <= 18; ++down)
+            for (const Size size : {Size{1, 1},
+                                    {across, down},
+                                    {across + 1, 2 * down + 1},
+                                    {1024, down},
+                                    {2051, down + 1}})
+                ExpectAsPlain(size, {across, down});
+}
+
+TEST(MosaicImage, EveryAverageOfSmallBlocksIsCutNotRounded) {
+    // Every sum that blocks of up to sixteen pixels can have.
+    for (const Size block :
+         {Size{2, 1}, {3, 1}, {2, 2}, {3, 3}, {1, 7}, {2, 7}, {1, 13}, {3, 5}, {4, 4}}) {
+        const int area = block.width * block.height;
+        Image picture = test::FlatImage({block.width * (255 * area + 1), block.height}, {0, 0, 0});
+        for (int sum = 0; sum <= 255 * area; ++sum)
+            for (int pixel = 0, left = sum; pixel < area; ++pixel) {
+                const auto value = static_cast<std::uint8_t>(std::min(left, 255));
+                left -= value;
+                picture.View().SetPixel(sum * block.width + pixel % block.width,
+                                        pixel / block.width, {value, value, value});
+            }
+        MosaicImage(picture.View(), block);
+        for (int sum = 0; sum <= 255 * area; ++sum)
+            ASSERT_EQ(picture.View().Pixel(sum * block.width, 0).green, sum / area) << sum;
+    }
+}
+
 TEST(MosaicImage, ThreadsGiveTheSameBytes) {
     imaging::SetKernelThreads(3);
     ExpectAsPlain({2000, 1203}, {17, 100});

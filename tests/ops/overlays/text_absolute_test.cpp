@@ -259,18 +259,59 @@ TEST_F(TextAbsolute, ABlockWithoutMemoryFails) {
 
 TEST_F(TextAbsolute, EachStepThatFailsIsNamedAndTheNextIsTaken) {
     const std::string reason = "  IS_error there is no font to draw text with";
-    const auto messages = [](const Params& params) {
+    // What is done line by line is reported line by line.
+    const auto messages = [](Params params) {
+        params.text = "one$xtwo";
         return MessagesWithoutFonts(kTextOverlayAbsoluteCommand, params.String());
     };
     EXPECT_THAT(messages({.noBackground = "1", .smooth = "0"}),
                 ElementsAre("Cmd_84 Text Absolute L4287: " + reason));
     EXPECT_THAT(messages({.smooth = "0"}), ElementsAre("Cmd_84 Text Absolute L3957: " + reason,
+                                                       "Cmd_84 Text Absolute L3957: " + reason,
                                                        "Cmd_84 Text Absolute L4001: " + reason));
     EXPECT_THAT(messages({}), ElementsAre("Cmd_84 Text Absolute L4411: " + reason,
+                                          "Cmd_84 Text Absolute L4411: " + reason,
+                                          "Cmd_84 Text Absolute L4474: " + reason,
                                           "Cmd_84 Text Absolute L4474: " + reason));
-    EXPECT_THAT(messages({.noBackground = "1"}),
+    EXPECT_THAT(messages({.y = "0", .noBackground = "1"}),
                 ElementsAre("Cmd_84 Text Absolute L4411: " + reason,
+                            "Cmd_84 Text Absolute L4411: " + reason,
+                            "Cmd_84 Text Absolute L4505: " + reason,
                             "Cmd_84 Text Absolute L4505: " + reason));
+}
+
+TEST_F(TextAbsolute, EveryStepHasItsWords) {
+    const auto words = [](bool background, Smoothing smoothing) {
+        Image image = test::FlatImage({200, 100}, kGround);
+        std::vector<std::string> failures;
+        EXPECT_TRUE(OverlayTextLines(
+            image.View(), "one\r\ntwo",
+            {.style = {.font = BoldSans(-20), .onBackground = background, .smoothing = smoothing}},
+            [&](std::string_view step) { failures.emplace_back(step); }, WithoutLaying()));
+        return failures;
+    };
+    EXPECT_THAT(words(false, Smoothing::Aliased), ElementsAre("Cmd_84 Text Absolute L4287: "));
+    EXPECT_THAT(words(true, Smoothing::Aliased),
+                ElementsAre("Cmd_84 Text Absolute L3998: ", "Cmd_84 Text Absolute L4001: ",
+                            "Cmd_84 Text Absolute L4003: "));
+    EXPECT_THAT(words(false, Smoothing::Smooth),
+                ElementsAre("Cmd_84 Text Absolute L4505: ", "Cmd_84 Text Absolute L4505: "));
+    EXPECT_THAT(words(true, Smoothing::Smooth),
+                ElementsAre("Cmd_84 Text Absolute L4457: ", "Cmd_84 Text Absolute L4474: ",
+                            "Cmd_84 Text Absolute L4474: ", "Cmd_84 Text Absolute L4482: "));
+}
+
+TEST_F(TextAbsolute, LinesThatCannotBeMeasuredLieOnABlockOfTheMargins) {
+    for (const Smoothing smoothing : {Smoothing::Aliased, Smoothing::Smooth}) {
+        Image image = test::FlatImage({200, 100}, kGround);
+        EXPECT_TRUE(OverlayTextLines(
+            image.View(), "one",
+            {.x = 20,
+             .y = 30,
+             .style = {.font = BoldSans(-20), .onBackground = true, .smoothing = smoothing}},
+            [](std::string_view) {}, WithoutMeasure()));
+        EXPECT_EQ(Changed(image), (Rect{16, 26, 24, 34}));
+    }
 }
 
 TEST_F(TextAbsolute, HandEditedNumbersAndTextsEndWell) {

@@ -8,6 +8,7 @@
 
 #include "imaging/draw_text.h"
 #include "ops/overlays/overlay_commands.h"
+#include "ops/overlays/text_style.h"
 #include "support/command_runner.h"
 #include "support/ink.h"
 #include "support/test_fonts.h"
@@ -48,6 +49,19 @@ class TextCommandTest : public testing::Test {
         const auto size = imaging::GetTextLineSize2(text, font, smoothing);
         EXPECT_TRUE(size);
         return size.value_or(imaging::Size{});
+    }
+    /// Services of which one kind always fails.
+    static ops::overlays::TextServices WithoutMeasure() {
+        ops::overlays::TextServices services;
+        services.measure = [](auto&&...) { return std::nullopt; };
+        return services;
+    }
+    static ops::overlays::TextServices WithoutLaying() {
+        ops::overlays::TextServices services;
+        services.draw = services.drawSmooth = [](auto&&...) { return false; };
+        services.fill = [](auto&&...) { return false; };
+        services.overlay = [](auto&&...) { return false; };
+        return services;
     }
     /// The messages of a command on a picture of 100 x 80 where there is no font.
     static std::vector<std::string> MessagesWithoutFonts(const engine::Command& command,
