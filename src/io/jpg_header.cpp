@@ -90,6 +90,7 @@ constexpr std::array kFields{
          "Press help for details of this command.")
         .Quoted(true)
         .MultiLine("$x")
+        .ClearedBy("Clear text")
         .MaxLength(1000),
     Flag("Add IPTC (International Press Telecommunications Council tags  -  PhotoShop file "
          "information)",

@@ -49,6 +49,8 @@ struct FieldSpec {
     bool takesMacros = false;      // Text: a run replaces what io::ParseLine knows
     int maxLength = 0;             // Text: characters; 0: no limit
     std::string_view fileFilter;   // Path: for the chooser
+    std::string_view browseTitle;  // Path, Folder: of the chooser; empty: the label
+    std::string_view clearLabel;   // Text of several lines: of a button that empties it
     std::string_view unit;         // shown behind the control
 
     constexpr FieldSpec Clamp(double lowest, double highest) const {
@@ -105,6 +107,16 @@ struct FieldSpec {
         copy.fileFilter = pattern;
         return copy;
     }
+    constexpr FieldSpec BrowseTitle(std::string_view title) const {
+        FieldSpec copy = *this;
+        copy.browseTitle = title;
+        return copy;
+    }
+    constexpr FieldSpec ClearedBy(std::string_view buttonLabel) const {
+        FieldSpec copy = *this;
+        copy.clearLabel = buttonLabel;
+        return copy;
+    }
 };
 
 constexpr FieldSpec Integer(std::string_view label, std::string_view factory) {
@@ -154,10 +166,10 @@ struct PanelLine {
     enum class Kind : std::uint8_t { Fixed, Value, OneOf, WhenOn };
     Kind kind = Kind::Fixed;
     int field = -1;
-    std::string_view before;                 // Fixed, Value, WhenOn: the text (ahead of the value)
-    std::string_view after;                  // Value: behind the value
+    std::string_view before;                  // Fixed, Value, WhenOn: the text (ahead of the value)
+    std::string_view after;                   // Value: behind the value
     std::span<const std::string_view> lines;  // OneOf
-    std::string_view on = "1";               // WhenOn
+    std::string_view on = "1";                // WhenOn
 };
 
 constexpr PanelLine Fixed(std::string_view text) {
@@ -215,6 +227,10 @@ struct DialogSpec {
     std::span<const FieldGroup> groups;
     std::span<const ShownWhen> shownWhen;
     ShownWhen notesWhen;  // the notes too, if it names a field
+    /// A line below the notes that can be read and copied; it follows the fields.
+    std::string (*line)(const Fields&) = nullptr;
+    /// Asked on OK, where it is not empty; "No" leads back to the dialog.
+    std::string_view (*question)(const Fields&) = nullptr;
 };
 
 /// What the interface and the parser know of a command; what it does is the engine's.

@@ -2,6 +2,7 @@
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -52,6 +53,13 @@ std::string_view WindowStateOf(const engine::Command& command) {
 bool KeepsDefault(const engine::Command& command) {
     const script::CatalogueRow* row = script::FindByName(command.spec.name);
     return row && !row->defaultsKey.empty();
+}
+
+bool Confirms(QWidget& parent, std::string_view question) {
+    QMessageBox box(QMessageBox::Warning, QStringLiteral("Lumoscript"), ToQt(question),
+                    QMessageBox::Yes | QMessageBox::No, &parent);
+    box.setTextFormat(Qt::PlainText);
+    return box.exec() == QMessageBox::Yes;
 }
 
 /// As large as its contents, up to most of the screen.
@@ -112,6 +120,11 @@ std::string CommandForm::Params() const {
 
 void CommandForm::accept() {
     fields_->Settle();
+    const script::DialogSpec* dialog = command_.spec.dialog;
+    if (dialog && dialog->question) {
+        const std::string_view question = dialog->question(ReadParams(command_.spec, Params()));
+        if (!question.empty() && !Confirms(*this, question)) return;
+    }
     SavePlacement(*this, view_.settings, WindowStateOf(command_));
     QDialog::accept();
 }

@@ -199,6 +199,11 @@ void FormFields::AddNotes() {
         notes_.push_back(label);
         grid_->addWidget(label, grid_->rowCount(), kLabel, 1, kColumns);
     }
+    if (!DialogOf(spec_).line) return;
+    noteLine_ = new QLineEdit;
+    noteLine_->setReadOnly(true);
+    if (!notes_.empty()) noteLine_->setAccessibleName(Spoken(notes_.back()->text()));
+    grid_->addWidget(noteLine_, grid_->rowCount(), kLabel, 1, kColumns);
 }
 
 const script::FieldGroup* FormFields::GroupOf(int field) const {
@@ -253,6 +258,9 @@ void FormFields::UpdateVisible(const std::vector<std::string>& texts) {
 }
 
 void FormFields::UpdateNotes(const std::vector<std::string>& texts) {
+    if (noteLine_)
+        noteLine_->setText(ToQt(
+            DialogOf(spec_).line(script::ReadParams(spec_, script::WriteParams(spec_, texts)))));
     const script::ShownWhen& rule = DialogOf(spec_).notesWhen;
     if (rule.whenField < 0) return;
     for (QLabel* note : notes_)

@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QWidget>
 #include <string>
 #include <vector>
@@ -34,6 +35,8 @@ class FormFields : public QWidget {
     QLabel* LabelOf(int field) const;
     /// Null if the command has none.
     QCheckBox* FollowBox() const { return follow_; }
+    /// The line below the notes; null if the command has none.
+    QLineEdit* NoteLine() const { return noteLine_; }
     bool IsEmpty() const { return lines_.empty(); }
 
   Q_SIGNALS:
@@ -77,6 +80,7 @@ class FormFields : public QWidget {
     QWidget* switched_ = nullptr;  // the last box of lines with a switch
     QCheckBox* follow_ = nullptr;
     std::vector<QLabel*> notes_;
+    QLineEdit* noteLine_ = nullptr;
     bool updating_ = false;
 };
 

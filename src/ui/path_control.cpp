@@ -55,7 +55,8 @@ void PathControl::SetAccessibleLabel(const QString& name) {
 }
 
 void PathControl::Browse() {
-    const QString title = edit_->accessibleName();
+    const QString title =
+        spec_.browseTitle.empty() ? edit_->accessibleName() : ToQt(spec_.browseTitle);
     const QString chosen =
         spec_.kind == script::FieldKind::Folder
             ? QFileDialog::getExistingDirectory(this, title, StartPath())

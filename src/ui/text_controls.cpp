@@ -1,5 +1,6 @@
 #include "ui/text_controls.h"
 
+#include <QPushButton>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -72,6 +73,17 @@ MultiLineControl::MultiLineControl(const script::FieldSpec& spec, int field, QWi
             edit->insertPlainText(macro);
             edit->setFocus();
         }));
+    if (!spec.clearLabel.empty()) {
+        auto* clear = new QPushButton(ToQt(spec.clearLabel));
+        clear->setAutoDefault(false);
+        line->addWidget(clear, 0, Qt::AlignLeft);
+        // Not clear(): so that the user can undo it.
+        connect(clear, &QPushButton::clicked, edit_, [this] {
+            edit_->selectAll();
+            edit_->insertPlainText({});
+            edit_->setFocus();
+        });
+    }
     connect(edit_, &QPlainTextEdit::textChanged, this, &FieldControl::Changed);
 }
 

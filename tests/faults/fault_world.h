@@ -24,6 +24,7 @@ struct Scenario {
     bool olderFiles = false;       // files of the same names stand in the target folder
     bool rewritesHeaders = false;  // an original may have another header, with the same picture
     bool trashes = false;
+    bool writesPictures = false;  // "photo-0.png" and so on, into the target folder
 };
 
 inline void PrintTo(const Scenario& scenario, std::ostream* out) {
@@ -65,15 +66,16 @@ class World {
 
     std::string TrashFolder() const { return home_ + "/share/Trash/files"; }
     bool IsWhole(const std::string& name, const std::string& bytes) const;
-    std::string TroubleIn(const std::string& folder, const Files* allowed) const;
+    std::string TroubleIn(const std::string& folder) const;
+    bool MayStandInTarget(const std::string& name, const std::string& bytes) const;
     Files Trashed() const;
-    std::vector<ScopedVariable> Environment() const;
 
     Scenario scenario_;
     TempFolder folder_;
     std::optional<TempFolder> other_;
     std::string in_, target_, home_, script_;
     Files originals_, older_;
+    Files outputs_;  // of a run without a fault
 };
 
 }  // namespace lumo::test

@@ -36,7 +36,14 @@ std::vector<Scenario> Scenarios() {
         "JPG file header\r\n29,0,0,0,0,1,1,1,a remark,0,,,,,,,,,,,,,,,1,a title,,,,,\r\n";
     const std::string keepNone =
         "JPG file header\r\n29,2,0,0,0,0,0,1,a remark,1,name,,,,,,,,,,,,,,0,,,,,,\r\n";
+    const std::string output = "Output setup\r\n11,0,\"{out}\",0,png,1,0,,,0,0,1,\r\n";
     return {
+        {.name = "Output", .commands = output, .writesPictures = true},
+        {.name = "OutputOverOlderFilesOfAnotherFileSystem",
+         .commands = output,
+         .otherFileSystem = true,
+         .olderFiles = true,
+         .writesPictures = true},
         {.name = "Copy", .commands = copy},
         {.name = "CopyOverOlderFiles", .commands = copy, .olderFiles = true},
         {.name = "CopyToAnotherFileSystem", .commands = copy, .otherFileSystem = true},
@@ -75,6 +82,7 @@ INSTANTIATE_TEST_SUITE_P(Scripts, Faults, testing::ValuesIn(Scenarios()),
 TEST_P(Faults, ARunWithoutAnyBringsEverythingHome) {
     World world(GetParam(), Files());
     const long calls = world.CountCalls(0);
+    RecordProperty("calls", static_cast<int>(calls));
     EXPECT_GT(calls, 2L * Files()) << "the library is not preloaded";
     EXPECT_TRUE(world.Check("whole run"));
     EXPECT_TRUE(world.CheckArrived("whole run"));

@@ -7,6 +7,7 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
 #include <QSignalSpy>
@@ -88,6 +89,15 @@ class Form : public testing::Test {
         QTest::keyClicks(&edit, QLatin1String(keys));
     }
 
+    /// OK, and Yes to what the command may ask then.
+    void Accept() {
+        QTimer::singleShot(0, form.get(), [] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+                box->button(QMessageBox::Yes)->click();
+        });
+        form->accept();
+    }
+
     QAbstractButton* Button(QDialogButtonBox::StandardButton which) {
         return form->findChild<QDialogButtonBox*>()->button(which);
     }
@@ -107,7 +117,7 @@ TEST_F(Form, UnchangedOkReproducesTheFieldsOfEveryCommand) {
         SCOPED_TRACE(command->spec.name);
         const std::string factory = engine::DefaultParams(view, command->spec.name);
         Open(command->spec.name, factory);
-        form->accept();
+        Accept();
         const std::string params = form->Params();
         const Fields before = ReadParams(command->spec, factory);
         const Fields after = ReadParams(command->spec, params);
@@ -123,7 +133,7 @@ TEST_F(Form, UnchangedOkReproducesTheFieldsOfEveryCommand) {
         EXPECT_EQ(params.find('\r'), std::string::npos);
         // What the form has written it writes again, to the byte.
         Open(command->spec.name, params);
-        form->accept();
+        Accept();
         EXPECT_EQ(form->Params(), params);
         ++seen;
     }
@@ -137,7 +147,7 @@ TEST_F(Form, StringsOfShippedDefaultsWithoutTextsComeBackToTheByte) {
           names::kBlurMore, names::kBlurGaussian, names::kRotate90, names::kNoiseAdd,
           names::kBlendImages}) {
         Open(name);
-        form->accept();
+        Accept();
         EXPECT_EQ(form->Params(), engine::DefaultParams(view, name));
     }
 }
@@ -202,7 +212,7 @@ TEST_F(Form, NumbersOutOfRangeAreClampedInEveryCommand) {
                 number->Edit().findChild<QLineEdit*>()->setText(
                     QLatin1String(above ? "99999999" : "-9999999").left(most > 0 ? most : 8));
             }
-            form->accept();
+            Accept();
             const Fields after = ReadParams(command->spec, form->Params());
             for (int i = 0; i < static_cast<int>(specs.size()); ++i) {
                 const FieldSpec& spec = *specs[static_cast<std::size_t>(i)];
@@ -236,7 +246,7 @@ TEST_F(Form, RandomFieldsOfStoredStringsSurviveUntouched) {
         if (command->spec.build) continue;  // START has its own rules
         const std::string params = script::BuildParams(command->spec.fields, texts);
         Open(command->spec.name, params);
-        form->accept();
+        Accept();
         const Fields after = script::ParseParams(form->Params());
         for (std::size_t i = 0; i < texts.size(); ++i) {
             const FieldSpec& spec = command->spec.fields[i];
@@ -255,6 +265,36 @@ TEST_F(Form, CaptionAndNotesAreThoseOfTheCommand) {
     for (const QLabel* label : form->findChildren<QLabel*>()) texts << label->text();
     EXPECT_TRUE(
         texts.contains(QStringLiteral("1 bit black and white using dithered error diffusion ")));
+}
+
+TEST_F(Form, TheLineBelowTheNotesFollowsTheFields) {
+    for (const auto name : {names::kOutputTemporary, names::kInputTemporary}) {
+        Show(name, "2,0,,");
+        QLineEdit* line = form->Fields().NoteLine();
+        ASSERT_TRUE(line);
+        EXPECT_TRUE(line->isReadOnly());
+        EXPECT_EQ(line->text(), QStringLiteral("<TEMP_FOLDER>\\Temp1.bmp"));
+        At<TextControl>(1).Edit().setText(QStringLiteral("sky"));
+        EXPECT_EQ(line->text(), QStringLiteral("<TEMP_FOLDER>\\Temp1.bmp"));
+        At<ChoiceControl>(0).Select(7);
+        EXPECT_EQ(script::ParseParams(form->Params()).Text(0), "7");
+        At<TextControl>(1).Edit().setText(QStringLiteral("sea"));
+        EXPECT_EQ(line->text(), QStringLiteral("<TEMP_FOLDER>\\sea.bmp"));
+    }
+    EXPECT_FALSE(Show(names::kCrop).Fields().NoteLine());
+}
+
+TEST_F(Form, ClearTextEmptiesTheComment) {
+    constexpr int kComment = 7;
+    Show(names::kJpgFileHeader);
+    EXPECT_NE(script::ParseParams(form->Params()).Text(kComment), "");
+    QPushButton* clear = nullptr;
+    for (QPushButton* button : form->findChildren<QPushButton*>())
+        if (button->text() == QStringLiteral("Clear text")) clear = button;
+    ASSERT_TRUE(clear);
+    clear->click();
+    EXPECT_EQ(script::ParseParams(form->Params()).Text(kComment), "");
+    EXPECT_EQ(At<MultiLineControl>(kComment).Edit().toPlainText(), QString());
 }
 
 // ---- Numbers ----
@@ -333,7 +373,7 @@ TEST_F(Form, LettersCannotBeTypedIntoNumbers) {
 
 TEST_F(Form, NumberThatIsOutOfRangeInTheScriptIsPutRight) {
     Open(names::kAdjustColourRgb, "3,500,0,-101,");
-    form->accept();
+    Accept();
     EXPECT_EQ(form->Params(), "3,100,0,-100,");
 }
 
@@ -501,7 +541,7 @@ TEST_F(Form, StartEnablesTheNumbersOfTheFiltersThatAreOn) {
 TEST_F(Form, StartReadsOlderLayoutsAndWritesThePresentOne) {
     Open(names::kStartImageLoop,
          "31,0,,,0,1,1,1,1,1,1,1,1,1,1,12,2024,1,12,1980,64,48,1280,960,0,0,0,0,0,0,0.0,4.0,");
-    form->accept();
+    Accept();
     EXPECT_EQ(form->Params().substr(0, 3), "32,");
     EXPECT_EQ(
         ReadParams(engine::FindCommand(names::kStartImageLoop)->spec, form->Params()).Text(31),
@@ -583,6 +623,38 @@ TEST_F(Form, OkGivesTheNewStringAndCancelTheOldOne) {
     EXPECT_TRUE(view.settings.windows["WS23"].saved);
 }
 
+/// Gives an answer to the message box that comes up over the form.
+void Answer(QMessageBox::StandardButton answer, QStringList& asked) {
+    QTimer::singleShot(0, &test::TestApplication(), [answer, &asked] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(box);
+        asked << box->text();
+        box->button(answer)->click();
+    });
+}
+
+TEST_F(Form, OkAsksWhereTheCommandDoes) {
+    const Command& copy = *engine::FindCommand(names::kCopyMove);
+    std::string params = "6,1,,0,,,1,";
+    QStringList asked;
+    WhenOpen([&](CommandForm& opened) {
+        Answer(QMessageBox::No, asked);
+        opened.accept();
+        EXPECT_TRUE(opened.isVisible());
+        EXPECT_THAT(view.settings.windows, IsEmpty());
+        Answer(QMessageBox::Yes, asked);
+        opened.accept();
+    });
+    EXPECT_TRUE(EditParameters(nullptr, view, copy, params));
+    const auto question = QStringLiteral("Warning, no output folder specified. Continue anyway?");
+    EXPECT_EQ(asked, QStringList({question, question}));
+    EXPECT_EQ(params, "6,1,\"\",0,\"\",\"\",1,");
+    params = "6,1,/out,0,,,1,";
+    WhenOpen([](CommandForm& opened) { opened.accept(); });
+    EXPECT_TRUE(EditParameters(nullptr, view, copy, params));
+    EXPECT_EQ(asked.size(), 2);
+}
+
 TEST_F(Form, DefaultBoxMakesTheNextNewCommandBeginSo) {
     std::string params = "6,1,2,3,4,0,0,";
     WhenOpen([](CommandForm& opened) {
@@ -619,7 +691,7 @@ TEST_F(Form, PlacementIsKeptForTheNextTime) {
     Show(names::kSolarize);
     form->move(31, 42);
     form->resize(700, 500);
-    form->accept();
+    Accept();
     Show(names::kSolarize);
     EXPECT_EQ(form->pos(), QPoint(31, 42));
     EXPECT_EQ(form->size(), QSize(700, 500));
@@ -640,7 +712,7 @@ TEST_F(Form, PlacementOfALargerScreenIsBroughtBack) {
 
 TEST_F(Form, CommandsWithoutKeyKeepNoPlacement) {
     Show(names::kCounter);
-    form->accept();
+    Accept();
     EXPECT_THAT(view.settings.windows, IsEmpty());
 }
 

@@ -34,14 +34,22 @@ constexpr std::string_view kNameModes[] = {"Use Input filename", "Use AutoNumeri
                                            "Input filename + AutoNumeric"};
 constexpr std::array kFields{
     Choice("Operation", "1", kOperations, kOperationTexts),
-    Folder("Image folder", ""),
+    Folder("Image folder", "").BrowseTitle("Choose image folder for copy/move."),
     Choice("File name", "0", kNameModes),
     Text("Prefix", "").Quoted(),
     Text("Suffix", "").Quoted(),
     Flag("Allow overwrite", "1"),
 };
-constexpr DialogSpec kDialog{
-    .title = "Copy - Move (original image file)", .windowState = "WS20", .helpTopic = "Copymove"};
+
+std::string_view QuestionOf(const Fields& fields) {
+    if (!fields.IsEmpty(kFolder)) return {};
+    return "Warning, no output folder specified. Continue anyway?";
+}
+
+constexpr DialogSpec kDialog{.title = "Copy - Move (original image file)",
+                             .windowState = "WS20",
+                             .helpTopic = "Copymove",
+                             .question = QuestionOf};
 
 std::string_view NameLine(const Fields& fields) {
     if (fields.Is(kNameMode, "0")) return kNameModes[0];

@@ -26,17 +26,20 @@ using namespace script;
 
 constexpr std::string_view kSlotNames[] = {"Temp1", "Temp2", "Temp3", "Temp4",
                                            "Temp5", "Temp6", "Temp7", ""};
-constexpr std::array kFields{Choice("File name", "0", kSlotNames), Text("Other file name", "").Quoted()};
+constexpr std::array kFields{Choice("File name", "0", kSlotNames),
+                             Text("Other file name", "").Quoted()};
 static_assert(kFields.size() == slot::kFieldCount);
 
 constexpr std::string_view kOutputNotes[] = {"Path to use to input again:"};
 constexpr std::string_view kInputNotes[] = {"Path:"};
 constexpr DialogSpec kOutputDialog{.title = "Output tempory file - for use later in script",
                                    .helpTopic = "Outputtemporary",
-                                   .notes = kOutputNotes};
+                                   .notes = kOutputNotes,
+                                   .line = StatedSlotPath};
 constexpr DialogSpec kInputDialog{.title = "Input (temporary) - must be created earlier in script",
                                   .helpTopic = "Inputtemporary",
-                                  .notes = kInputNotes};
+                                  .notes = kInputNotes,
+                                  .line = StatedSlotPath};
 
 std::string PanelOf(const Fields& fields) {
     std::string name = SlotFileName(fields).value_or("");

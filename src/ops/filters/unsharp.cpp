@@ -86,8 +86,9 @@ void LumaRow(const std::uint8_t* __restrict row, std::size_t width, double* __re
         luma[x] = Luma(row[x * kStep], row[x * kStep + 1], row[x * kStep + 2]);
 }
 
-inline int Difference(double a, double b) {
-    return std::abs(static_cast<int>(a - b));
+// 1 if they differ by more than the threshold.
+inline unsigned Differ(double a, double b, int threshold) {
+    return std::abs(static_cast<int>(a - b)) > threshold ? 1U : 0U;
 }
 
 // 1 for the pixels that differ from the one above, below, to the left or to the right; what lies
@@ -97,10 +98,9 @@ void MarkEdges(const double* __restrict above, const double* __restrict here,
                const double* __restrict below, std::size_t begin, std::size_t end, int threshold,
                std::uint8_t* __restrict edges) {
     for (std::size_t x = begin; x < end; ++x)
-        edges[x] = static_cast<std::uint8_t>((Difference(here[x - 1], here[x]) > threshold) |
-                                             (Difference(here[x + 1], here[x]) > threshold) |
-                                             (Difference(above[x], here[x]) > threshold) |
-                                             (Difference(below[x], here[x]) > threshold));
+        edges[x] = static_cast<std::uint8_t>(
+            Differ(here[x - 1], here[x], threshold) | Differ(here[x + 1], here[x], threshold) |
+            Differ(above[x], here[x], threshold) | Differ(below[x], here[x], threshold));
 }
 
 class EdgeRows {

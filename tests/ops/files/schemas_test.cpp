@@ -55,6 +55,14 @@ TEST(FilesSchemas, DialogsAreTitledAsTold) {
     expect(kInputFixedImageCommand, "Input fixed image file", "WS51");
     expect(kCopyMoveCommand, "Copy - Move (original image file)", "WS20");
     expect(kDeleteInputFileCommand, "Delete input file", "");
+    EXPECT_EQ(kCopyMoveCommand.spec.fields[1].browseTitle, "Choose image folder for copy/move.");
+}
+
+TEST(FilesSchemas, CopyMoveAsksForAFolder) {
+    const auto question = kCopyMoveCommand.spec.dialog->question;
+    EXPECT_EQ(question(script::ParseParams("6,1,,0,,,1,")),
+              "Warning, no output folder specified. Continue anyway?");
+    EXPECT_EQ(question(script::ParseParams("6,1,/out,0,,,1,")), "");
 }
 
 }  // namespace
