@@ -87,6 +87,7 @@ class MainWindow : public QMainWindow, private Screen {
     // main_window_runs.cpp
     void PressRun();
     void PressRunOnSample();
+    void TakeRequest();
     void AfterStart();
     void StartWalk();
     void StepWalk();
@@ -94,7 +95,7 @@ class MainWindow : public QMainWindow, private Screen {
     void EndWalk();
     bool IsWalking() const;
 
-    void StartUp(const StartRequest& request);
+    void StartUp();
     void UpdateActions();
     void UpdateTitle();
     void UpdateCaptions();
@@ -120,6 +121,7 @@ class MainWindow : public QMainWindow, private Screen {
     bool controlsClosed_ = false;
     bool closeWhenEnded_ = false;
     bool quitting_ = false;
+    StartRequest request_;
     bool exitAfterRun_ = false;
     int exitStatus_ = 0;
 };

@@ -321,6 +321,126 @@ TEST_F(CommandLineWindow, ASignalClosesTheLogsAndEndsTheProgram) {
     EXPECT_LT(Outputs().size(), 40U);
 }
 
+TEST_F(CommandLineWindow, APathIsKeptWholeHoweverItIsStated) {
+    const std::string path = WriteScript("");
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::create_directory(*this / "below");
+    std::filesystem::current_path(*this / "below");
+    for (const char* stated : {"../run.whs", "..\\run.whs", "./.././run.whs"}) {
+        Start({.scriptPath = stated});
+        EXPECT_EQ(View().script.path, path) << stated;
+        EXPECT_EQ(View().settings.recentScripts[0], path) << stated;
+        EXPECT_EQ(View().settings.recentScripts[1], "") << stated;
+        CloseWindow();
+    }
+    std::filesystem::current_path(before);
+}
+
+TEST_F(CommandLineWindow, ErrorLogIsForcedForTheFirstRunAlone) {
+    PutPictures(1);
+    test::PutFile(*this / "in/broken.png", "no picture");
+    Start({.scriptPath = WriteScript(""), .forceErrorLog = true});
+    View().settings.logs.errorLog = false;
+    Click(Form().run);
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_THAT(Log("Error.log"), HasSubstr("broken.png"));
+    ASSERT_TRUE(platform::RemoveFile(View().settings.folders.logs + "/Error.log"));
+    Click(Form().run);
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_EQ(View().run.errorCount, 1);
+    EXPECT_THAT(Log("Error.log"), testing::Not(HasSubstr("broken.png")));
+}
+
+TEST_F(CommandLineWindow, NothingIsAskedInTheFirstRunAlone) {
+    PutPictures(1);
+    Start({.noPrompts = true});
+    SetScript({"START image loop (setup)", StartParams(), "END image loop", "0"});
+    Click(Form().run);  // a question elsewhere; here it is answered with No
+    EXPECT_FALSE(Window().IsRunning());
+    EXPECT_TRUE(answers.shown.empty());
+    answers.Expect("Continue anyway?", QMessageBox::No);
+    Click(Form().run);
+    EXPECT_FALSE(Window().IsRunning());
+}
+
+TEST_F(CommandLineWindow, MessagesOfEditingAreShownWithoutPromptsToo) {
+    Start({.noPrompts = true});
+    View().working.main.Reset();
+    answers.Expect("To edit commands, a 'Single image' file must be opened.", QMessageBox::Ok);
+    AddByKeys("Despeckle");
+}
+
+TEST_F(CommandLineWindow, DebugLogIsTickedInTheMenu) {
+    PutPictures(1);
+    Start({.scriptPath = WriteScript("Despeckle\r\n0\r\n"), .debugLog = true});
+    EXPECT_TRUE(Action(Act::KeepDebugLog)->isChecked());
+    Click(Form().run);
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_THAT(Log("Debug.log"), HasSubstr("Despeckle"));
+    Trigger(Act::KeepDebugLog);
+    EXPECT_FALSE(View().logs.debugOn);
+    CloseWindow();
+    Start();
+    EXPECT_FALSE(Action(Act::KeepDebugLog)->isChecked());
+}
+
+// ---- The program itself: every switch reaches the window ----------------------------------------
+
+class DesktopProgram : public CommandLineWindow {
+  protected:
+    DesktopProgram() {
+        PutPictures(2);
+        Start();  // makes the folders and the settings
+        logs_ = View().settings.folders.logs;
+        View().settings.logs.errorLog = false;
+        CloseWindow();
+    }
+
+    std::string LogOf(const char* name) const { return test::FileText(logs_ + "/" + name); }
+    static test::ProgramResult Run(
+        std::vector<std::string> arguments,
+        const std::function<void(int)>& meanwhile = [](int) {}) {
+        arguments.insert(arguments.begin(), LUMO_DESKTOP_PROGRAM);
+        return test::RunProgram(arguments, meanwhile);
+    }
+
+    test::ScopedVariable offscreen_{"QT_QPA_PLATFORM", "offscreen"};
+    std::string logs_;
+};
+
+TEST_F(DesktopProgram, ForcesErrorLogAndKeepsDebugLogIfToldTo) {
+    test::PutFile(*this / "in/broken.png", "no picture");
+    const std::string path = WriteScript("Despeckle\r\n0\r\n");
+    EXPECT_EQ(Run({path, "/r", "/x"}).exitStatus, 1);
+    EXPECT_THAT(LogOf("Error.log"), testing::Not(HasSubstr("broken.png")));
+    EXPECT_THAT(LogOf("Debug.log"), testing::Not(HasSubstr("Despeckle")));
+    EXPECT_EQ(Run({"-E", "--debug-log", path, "/R", "-x"}).exitStatus, 1);
+    EXPECT_THAT(LogOf("Error.log"), HasSubstr("broken.png"));
+    EXPECT_THAT(LogOf("Debug.log"), HasSubstr("Despeckle"));
+}
+
+TEST_F(DesktopProgram, WithoutPromptsARefusedRunIsLoggedAndTheWindowStays) {
+    const std::string path = *this / "none.whs";
+    test::PutFile(path, "BEGIN\r\nSTART image loop (setup)\r\n" + StartParams() +
+                            "\r\nEND image loop\r\n0\r\nEND\r\n");
+    const auto result = Run({path, "/r", "/s"}, [&](int process) {
+        EXPECT_TRUE(test::WaitUntil(
+            [&] { return LogOf("Batch.log").find("No commands except") != std::string::npos; }));
+        kill(process, SIGTERM);
+    });
+    EXPECT_EQ(result.exitStatus, 143);
+    EXPECT_THAT(result.err, HasSubstr("No commands except"));
+}
+
+TEST_F(DesktopProgram, SaysWhatToDoWithoutADisplay) {
+    const test::ScopedVariable platform("QT_QPA_PLATFORM", ""), x11("DISPLAY", ""),
+        wayland("WAYLAND_DISPLAY", ""), socket("WAYLAND_SOCKET", "");
+    const auto refused = Run({WriteScript("")});
+    EXPECT_EQ(refused.exitStatus, 2);
+    EXPECT_THAT(refused.err, HasSubstr("lumoscript-batch SCRIPT"));
+    EXPECT_EQ(Run({WriteScript(""), "/r", "/x", "/s"}).exitStatus, 0);
+}
+
 TEST_F(CommandLineWindow, WithoutPromptsNothingWaits) {
     Start({.scriptPath = *this / "no.whs", .runAtOnce = true, .noPrompts = true});
     EXPECT_TRUE(Window().isVisible());
