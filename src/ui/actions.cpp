@@ -47,7 +47,7 @@ constexpr Row kRows[] = {
      "Swaps positions of currently selected Batch cmd and one above."},
     {Act::SwapDown, "Swap Dow&n", "Ctrl+Down",
      "Swaps positions of currently selected Batch cmd and one below."},
-    {Act::ImageList, "&Image list...", "", "Opens an Image list."},
+    {Act::ImageList, "&Image list...", "", "Edits an Image list: that of the Script, or another one."},
     {Act::BatchLog, "&Batch.log", "Ctrl+L", "Shows the log of the last run."},
     {Act::ErrorLog, "Err&or.log", "Ctrl+Shift+L", "Shows the errors of the last run."},
     {Act::LogFile, "Lo&g file...", "", "Shows a log file."},

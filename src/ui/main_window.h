@@ -80,6 +80,8 @@ class MainWindow : public QMainWindow, private Screen {
     void ConnectForm();
     void ShowTextFileOf(std::string_view title, std::string_view filter, std::string folder);
     void OpenRecentList(int n);
+    void EditList(const std::string& path);
+    std::string ListAtHand() const;
     void EmptyTempFolder();
     void ShowFullScreen(Side side);
     void OpenDropped(const std::string& path);
