@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include "engine/editing.h"
+#include "engine/sample_tests.h"
 #include "imaging/codecs/codec.h"
 #include "platform/files.h"
 #include "script/names.h"
@@ -174,7 +175,8 @@ TEST_F(SampleWindow, ClosingDuringTestAllEndsTheWalk) {
     Click(Form().testAll);
     Window().close();
     EXPECT_FALSE(Window().isVisible());
-    QTest::qWait(600);
+    EXPECT_FALSE(engine::IsTestAllActive(View()));
+    EXPECT_EQ(View().run.mode, engine::RunMode::Idle);
 }
 
 TEST_F(SampleWindow, SavesFramesInTheFormatOfTheName) {
@@ -320,7 +322,7 @@ class Drop : public SampleWindow {
         QApplication::sendEvent(&Window(), &enter);
         QDropEvent drop({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, {});
         QApplication::sendEvent(&Window(), &drop);
-        QTest::qWait(10);
+        QApplication::processEvents();  // it is taken up when the drop is over
     }
 };
 

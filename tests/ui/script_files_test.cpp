@@ -207,12 +207,11 @@ TEST_F(ScriptFilesWindow, LogsOpenInTheDesktopsViewerOrInOurOwn) {
     const qsizetype before = Window().findChildren<QPlainTextEdit*>().size();
     Trigger(Act::BatchLog);
     EXPECT_TRUE(test::WaitUntil([&] { return test::FileText(*this / "opened") == log; }));
-    QTest::qWait(50);
-    EXPECT_EQ(Window().findChildren<QPlainTextEdit*>().size(), before);
     test::PutFile(opener, "#!/bin/sh\nexit 3\n");
     Trigger(Act::BatchLog);
-    EXPECT_TRUE(test::WaitUntil(
-        [&] { return Window().findChildren<QPlainTextEdit*>().size() == before + 1; }));
+    EXPECT_TRUE(
+        test::WaitUntil([&] { return Window().findChildren<QPlainTextEdit*>().size() > before; }));
+    EXPECT_EQ(Window().findChildren<QPlainTextEdit*>().size(), before + 1);  // of the failure alone
 }
 
 TEST_F(ScriptFilesWindow, ListsAreRememberedAndForgottenWhenGone) {

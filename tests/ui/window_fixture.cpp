@@ -108,7 +108,7 @@ bool WaitUntil(const std::function<bool()>& condition, double seconds) {
     clock.start();
     while (!condition()) {
         if (clock.elapsed() > seconds * 1000) return false;
-        QTest::qWait(5);
+        QTest::qWait(1);
     }
     return true;
 }
@@ -190,10 +190,6 @@ std::string WindowTest::PanelText() {
 }
 std::string WindowTest::Status() {
     return ui::FromQt(Form().progress->Status());
-}
-
-bool WindowTest::WaitForEnd(double seconds) {
-    return WaitUntil([&] { return !Window().IsRunning(); }, seconds);
 }
 
 void WindowTest::SetScript(const std::vector<std::string>& lines) {
