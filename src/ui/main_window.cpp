@@ -339,11 +339,16 @@ void MainWindow::UpdateActions() {
     const bool busy = controlsClosed_ || running_ || walking;
     const QString why = walking ? QStringLiteral("while the script is tried on the sample")
                                 : QStringLiteral("while a batch run lasts");
-    for (const Act act :
-         {Act::NewScript, Act::OpenScript, Act::SaveScript, Act::SaveScriptAs, Act::LoadSubroutine,
-          Act::SaveSubroutineAs, Act::EditSubroutine, Act::OpenSubroutineAsScript,
-          Act::NewSubroutine, Act::Paste, Act::OpenImage, Act::KeepErrorLog, Act::KeepBatchLog,
-          Act::KeepDebugLog, Act::ShowEachImage, Act::EmptyTemp, Act::SetDefaultImage})
+    for (const Act act : {Act::NewScript,      Act::OpenScript,
+                          Act::SaveScript,     Act::SaveScriptAs,
+                          Act::LoadSubroutine, Act::SaveSubroutineAs,
+                          Act::EditSubroutine, Act::OpenSubroutineAsScript,
+                          Act::NewSubroutine,  Act::Paste,
+                          Act::OpenImage,      Act::KeepErrorLog,
+                          Act::KeepBatchLog,   Act::KeepDebugLog,
+                          Act::ShowEachImage,  Act::Preferences,
+                          Act::Writer,         Act::Reader,
+                          Act::EmptyTemp,      Act::SetDefaultImage})
         actions_.Enable(act, !busy, why);
 
     const engine::EditButtons may = engine::UpdateButtons(view_);

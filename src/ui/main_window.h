@@ -83,6 +83,7 @@ class MainWindow : public QMainWindow, private Screen {
     void EditList(const std::string& path);
     std::string ListAtHand() const;
     void EmptyTempFolder();
+    void ShowSettings();
     void ShowFullScreen(Side side);
     void OpenDropped(const std::string& path);
 

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QProcess>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QToolBar>
@@ -31,6 +32,7 @@
 #include "ui/list_editor.h"
 #include "ui/main_form.h"
 #include "ui/main_window.h"
+#include "ui/preference_dialog.h"
 #include "ui/script_list.h"
 #include "ui/text.h"
 #include "ui/text_window.h"
@@ -200,9 +202,19 @@ void MainWindow::BindOtherActions() {
     actions_.BindToggle(Act::ShowEachImage, settings.showEachImage, [this](bool on) {
         view_.settings.showEachImage = view_.run.showEachImage = on;
     });
-    const QString later = QStringLiteral("comes with a later version");
-    for (const Act act : {Act::Preferences, Act::Writer, Act::Reader, Act::RenameFiles})
-        actions_.Enable(act, false, later);
+    const auto sheet = [this](Act act, const PreferenceSheet& pages) {
+        actions_.Bind(act, [this, &pages] {
+            if (EditPreferences(this, view_, pages)) ShowSettings();
+        });
+    };
+    sheet(Act::Preferences, kGeneralSheet);
+    sheet(Act::Writer, kWriterSheet);
+    sheet(Act::Reader, kReaderSheet);
+    actions_.Bind(Act::RenameFiles, [this] {
+        const std::string path = view_.settings.installFolder + "/Namewright.exe";
+        if (!QProcess::startDetached(ToQt(path), {}))
+            Tell(desk_, "Unable to find Namewright.exe at:" + platform::Printable(path));
+    });
     actions_.Bind(Act::ViewTemp, [this] { ShowFolder(desk_, view_.settings.folders.temp); });
     actions_.Bind(Act::EmptyTemp, [this] { EmptyTempFolder(); });
     actions_.Bind(Act::Keys, [this] {
@@ -223,6 +235,15 @@ void MainWindow::BindOtherActions() {
                            "version 3 or later.</p>")
                 .arg(QStringLiteral(LUMO_VERSION)));
     });
+}
+
+/// In the menu, what a sheet of preferences has changed.
+void MainWindow::ShowSettings() {
+    const settings::Settings& settings = view_.settings;
+    actions_[Act::KeepErrorLog]->setChecked(settings.logs.errorLog);
+    actions_[Act::KeepBatchLog]->setChecked(settings.logs.batchLog);
+    actions_[Act::ShowEachImage]->setChecked(settings.showEachImage);
+    view_.run.showEachImage = settings.showEachImage;
 }
 
 void MainWindow::ConnectForm() {
