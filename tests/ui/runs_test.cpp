@@ -310,12 +310,12 @@ TEST_F(CommandLineWindow, ErrorLogIsForcedForTheFirstRunAlone) {
     View().settings.logs.errorLog = false;
     Click(Form().run);
     ASSERT_TRUE(WaitForEnd());
-    EXPECT_THAT(Log("Error.log"), HasSubstr("broken.png"));
+    EXPECT_THAT(Log("Error.log"), HasSubstr("Error:1073"));
     ASSERT_TRUE(platform::RemoveFile(View().settings.folders.logs + "/Error.log"));
     Click(Form().run);
     ASSERT_TRUE(WaitForEnd());
     EXPECT_EQ(View().run.errorCount, 1);
-    EXPECT_THAT(Log("Error.log"), testing::Not(HasSubstr("broken.png")));
+    EXPECT_THAT(Log("Error.log"), testing::Not(HasSubstr("Error:1073")));
 }
 
 TEST_F(CommandLineWindow, NothingIsAskedInTheFirstRunAlone) {
@@ -409,13 +409,13 @@ TEST_F(DesktopProgram, ASignalClosesTheLogsAndEndsTheProgram) {
 }
 
 TEST_F(DesktopProgram, ForcesErrorLogAndKeepsDebugLogIfToldTo) {
-    test::PutFile(*this / "in/broken.png", "no picture");
+    test::PutFile(*this / "in/0.png", "no picture");
     const std::string path = WriteScript("Despeckle\r\n0\r\n");
     EXPECT_EQ(Run({path, "/r", "/x"}).exitStatus, 1);
-    EXPECT_THAT(LogOf("Error.log"), testing::Not(HasSubstr("broken.png")));
+    EXPECT_THAT(LogOf("Error.log"), testing::Not(HasSubstr("Error:1073")));
     EXPECT_THAT(LogOf("Debug.log"), testing::Not(HasSubstr("Despeckle")));
     EXPECT_EQ(Run({"-E", "--debug-log", path, "/R", "-x"}).exitStatus, 1);
-    EXPECT_THAT(LogOf("Error.log"), HasSubstr("broken.png"));
+    EXPECT_THAT(LogOf("Error.log"), HasSubstr("Error:1073"));
     EXPECT_THAT(LogOf("Debug.log"), HasSubstr("Despeckle"));
 }
 
