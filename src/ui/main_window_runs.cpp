@@ -85,7 +85,7 @@ void MainWindow::RunHasEnded() {
 }
 
 bool MainWindow::IsWalking() const {
-    return engine::IsTestAllActive(view_);
+    return !running_ && engine::IsTestAllActive(view_);  // a run's state is the worker's
 }
 
 void MainWindow::StartWalk() {

@@ -10,6 +10,7 @@
 #include "ui/text.h"
 
 namespace lumo::ui {
+
 PathControl::PathControl(const engine::CLumoscriptView& view, const script::FieldSpec& spec,
                          int field, QWidget* parent)
     : FieldControl(field, parent),
