@@ -233,6 +233,7 @@ int FromEnvironment(const char* name, int usual) {
 TEST_F(Monkey, AnyActionsLeaveEverythingInOrder) {
     const int actions = FromEnvironment("LUMO_MONKEY_ACTIONS", kActions);
     random_.seed(static_cast<unsigned>(FromEnvironment("LUMO_MONKEY_SEED", kSeed)));
+    UseShippedFilesOfItsOwn();
     Start();
     PutFiles();
     answers.Always([this](QWidget* widget) { Answer(widget); });

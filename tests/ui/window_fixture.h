@@ -60,6 +60,8 @@ class WindowTest : public testing::Test {
     WindowTest();
     ~WindowTest() override;
 
+    /// For tests that may change what is shipped; all others share one copy. Before Start.
+    void UseShippedFilesOfItsOwn();
     /// Opens the window with this command line.
     void Start(const ui::StartRequest& request = {});
     /// Closes it as a user would, and throws away what was not saved.
