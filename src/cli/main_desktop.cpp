@@ -38,11 +38,10 @@ int main(int argc, char** argv) {
             stderr);
         return kWrongUse;
     }
-    return ui::RunDesktop(argc, argv,
-                          {.scriptPath = line.scriptPath,
-                           .runAtOnce = line.autoRun,
-                           .exitAfterRun = line.autoExit,
-                           .noPrompts = line.noPrompts,
-                           .forceErrorLog = line.forceErrorLog,
-                           .debugLog = line.debugLog});
+    return ui::RunDesktop(argv[0], {.scriptPath = line.scriptPath,
+                                    .runAtOnce = line.autoRun,
+                                    .exitAfterRun = line.autoExit,
+                                    .noPrompts = line.noPrompts,
+                                    .forceErrorLog = line.forceErrorLog,
+                                    .debugLog = line.debugLog});
 }

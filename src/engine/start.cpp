@@ -1,6 +1,8 @@
 #include "engine/start.h"
 
 #include <ctime>
+#include <filesystem>
+#include <system_error>
 #include <vector>
 
 #include "engine/editing.h"
@@ -42,6 +44,16 @@ std::string FindScript(const CLumoscriptView& view, const std::string& stated) {
             if (std::string path = (folder + stated).append(extension); platform::FileExists(path))
                 return path;
     return stated;
+}
+
+std::string StatedScriptPath(const CLumoscriptView& view, const std::string& stated) {
+    std::string found = FindScript(view, stated);
+    if (!platform::FileExists(found))
+        found = FindScript(view, platform::ParsePath(stated, view.settings.installFolder,
+                                                     view.settings.folders.temp));
+    std::error_code failure;
+    const auto absolute = std::filesystem::absolute(found, failure);
+    return failure ? found : absolute.lexically_normal().string();
 }
 
 bool OpenScript(CLumoscriptView& view, const std::string& stated, std::string_view failure) {

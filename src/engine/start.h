@@ -21,9 +21,13 @@ void StartView(CLumoscriptView& view, SettingsFile settingsFile);
 /// shipped ones. The name itself where there is none of them.
 std::string FindScript(const CLumoscriptView& view, const std::string& stated);
 
-/// Opens the Script file that FindScript names in place of the present one, which undo brings back, and gives it its two
-/// markers. False: the words of `failure` have been shown, for an unattended run the reason too,
-/// and the present Script stands, its undo too.
+/// The absolute path of what FindScript finds, here also for a name in the spelling of Scripts
+/// ("..\Web.whs"). Menus show it again at the next start, which may be in another folder.
+std::string StatedScriptPath(const CLumoscriptView& view, const std::string& stated);
+
+/// Opens the Script file that FindScript names in place of the present one, which undo brings back,
+/// and gives it its two markers. False: the words of `failure` have been shown, for an unattended
+/// run the reason too, and the present Script stands, its undo too.
 bool OpenScript(CLumoscriptView& view, const std::string& stated,
                 std::string_view failure = script::words::kCannotOpenScript);
 

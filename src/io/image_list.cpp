@@ -11,7 +11,17 @@ constexpr std::string_view kEnd = "END";
 constexpr std::string_view kAlone = " (no subfolders)";
 constexpr std::string_view kWithSubfolders = " (include subfolders)";
 
-ListEntry ParseEntry(std::string_view line) {
+bool HoldsLineBreak(std::string_view path) {
+    return path.find_first_of("\r\n") != std::string_view::npos;
+}
+
+bool EndsInSeparator(std::string_view path) {
+    return path.ends_with('\\') || path.ends_with('/');
+}
+
+}  // namespace
+
+ListEntry ParseListLine(std::string_view line) {
     ListEntry entry;
     if (line.ends_with(kAlone)) line.remove_suffix(kAlone.size());
     if (line.ends_with(kWithSubfolders)) {
@@ -20,19 +30,18 @@ ListEntry ParseEntry(std::string_view line) {
     }
     while (line.ends_with(' ')) line.remove_suffix(1);
     entry.path = line;
-    entry.isFolder = line.ends_with('\\') || line.ends_with('/');
+    entry.isFolder = EndsInSeparator(line);
     return entry;
 }
 
-}  // namespace
-
-bool ParseImageList(std::string_view text, std::vector<ListEntry>& entries) {
-    if (!text.starts_with(kStart)) return false;
+std::optional<std::vector<std::string>> ListLines(std::string_view text) {
+    std::vector<std::string> lines;
+    if (!text.starts_with(kStart)) return std::nullopt;
     text.remove_prefix(kStart.size());
-    if (text.empty()) return true;
+    if (text.empty()) return lines;
     // A name may hold a line feed where lines end with CR LF, and the other way round.
     const char lineEnd = text.front();
-    if (lineEnd != '\r' && lineEnd != '\n') return false;
+    if (lineEnd != '\r' && lineEnd != '\n') return std::nullopt;
 
     const auto skipLineEnd = [&] {
         text.remove_prefix(1);
@@ -41,12 +50,49 @@ bool ParseImageList(std::string_view text, std::vector<ListEntry>& entries) {
     skipLineEnd();
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find(lineEnd));
-        if (line == kEnd) return true;
-        if (!line.starts_with(';')) entries.push_back(ParseEntry(line));
+        if (line == kEnd) return lines;
+        lines.emplace_back(line);
         text.remove_prefix(line.size());
         if (!text.empty()) skipLineEnd();
     }
+    return lines;
+}
+
+bool ParseImageList(std::string_view text, std::vector<ListEntry>& entries) {
+    const auto lines = ListLines(text);
+    if (!lines) return false;
+    for (const std::string& line : *lines)
+        if (!IsListComment(line)) entries.push_back(ParseListLine(line));
     return true;
+}
+
+std::string ListText(const std::vector<std::string>& lines) {
+    std::string text(kStart);
+    text += "\r\n";
+    for (const std::string& line : lines)
+        if (!line.empty()) text.append(line).append("\r\n");
+    return text.append(kEnd).append("\r\n");
+}
+
+std::optional<std::string> ListLineOfFile(std::string_view path) {
+    if (path.empty() || HoldsLineBreak(path) || path.ends_with(' ') || IsListComment(path) ||
+        EndsInSeparator(path) || path == kEnd)
+        return std::nullopt;
+    std::string line(path);
+    // One marker is cut from the end of a line: a name that ends like one gets another.
+    if (path.ends_with(kAlone))
+        line += kAlone;
+    else if (path.ends_with(kWithSubfolders))
+        line += kWithSubfolders;
+    return line;
+}
+
+std::optional<std::string> ListLineOfFolder(std::string_view path, bool recursive) {
+    if (path.empty() || HoldsLineBreak(path) || IsListComment(path)) return std::nullopt;
+    std::string line(path);
+    if (!EndsInSeparator(path)) line += '/';
+    if (recursive) line += kWithSubfolders;
+    return line;
 }
 
 int ReadListFile(engine::CLumoscriptView& view, const std::string& path) {

@@ -22,8 +22,11 @@ QIcon ProgramIcon() {
 
 }  // namespace
 
-int RunDesktop(int& argc, char** argv, const StartRequest& request) {
-    const QApplication application(argc, argv);
+int RunDesktop(char* program, const StartRequest& request) {
+    // The arguments have been read; Qt is to find no options of its own among names of files.
+    int count = 1;
+    char* arguments[] = {program, nullptr};
+    const QApplication application(count, arguments);
     QApplication::setApplicationName(QStringLiteral("lumoscript"));
     QApplication::setApplicationVersion(QStringLiteral(LUMO_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("lumoscript"));

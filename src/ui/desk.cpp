@@ -27,15 +27,15 @@ std::optional<std::string> Picked(QFileDialog& dialog) {
 
 }  // namespace
 
-std::optional<std::string> AskOpenPath(const Desk& desk, const FileQuestion& question) {
-    QFileDialog dialog(&desk.window, ToQt(question.title), ExistingFolder(question.folder),
+std::optional<std::string> AskOpenPath(QWidget& window, const FileQuestion& question) {
+    QFileDialog dialog(&window, ToQt(question.title), ExistingFolder(question.folder),
                        FileFilter(question.filter));
     dialog.setFileMode(QFileDialog::ExistingFile);
     return Picked(dialog);
 }
 
-std::optional<std::string> AskSavePath(const Desk& desk, const FileQuestion& question) {
-    QFileDialog dialog(&desk.window, ToQt(question.title), ExistingFolder(question.folder),
+std::optional<std::string> AskSavePath(QWidget& window, const FileQuestion& question) {
+    QFileDialog dialog(&window, ToQt(question.title), ExistingFolder(question.folder),
                        FileFilter(question.filter));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(ToQt(question.extension));
@@ -52,8 +52,8 @@ std::optional<std::string> AskSavePath(const Desk& desk, const FileQuestion& que
     return Picked(dialog);
 }
 
-void Tell(const Desk& desk, std::string_view text, std::string_view caption) {
-    QMessageBox box(QMessageBox::NoIcon, ToQt(caption), ToQt(text), QMessageBox::Ok, &desk.window);
+void Tell(QWidget& window, std::string_view text, std::string_view caption) {
+    QMessageBox box(QMessageBox::NoIcon, ToQt(caption), ToQt(text), QMessageBox::Ok, &window);
     box.setTextFormat(Qt::PlainText);
     box.exec();
 }

@@ -25,12 +25,27 @@ struct FileQuestion {
     std::string_view extension = {};  // given to a name without one, for saving
 };
 
-/// The path that the user picks, native; none if nothing was picked.
-std::optional<std::string> AskOpenPath(const Desk& desk, const FileQuestion& question);
-/// The same for a file to be written; the dialog asks before an existing one is taken.
-std::optional<std::string> AskSavePath(const Desk& desk, const FileQuestion& question);
+/// Every format that can be read, where a picture is named.
+inline constexpr std::string_view kPictureFilter =
+    "Image files "
+    "|*.jpg;*.jpeg;*.tif;*.tiff;*.bmp;*.png;*.gif;*.pcx;*.tga;*.psd;*.wmf;*.emf|All files "
+    "(*.*)|*.*||";
 
-void Tell(const Desk& desk, std::string_view text, std::string_view caption = "Lumoscript");
+/// The path that the user picks, native; none if nothing was picked.
+std::optional<std::string> AskOpenPath(QWidget& window, const FileQuestion& question);
+inline std::optional<std::string> AskOpenPath(const Desk& desk, const FileQuestion& question) {
+    return AskOpenPath(desk.window, question);
+}
+/// The same for a file to be written; the dialog asks before an existing one is taken.
+std::optional<std::string> AskSavePath(QWidget& window, const FileQuestion& question);
+inline std::optional<std::string> AskSavePath(const Desk& desk, const FileQuestion& question) {
+    return AskSavePath(desk.window, question);
+}
+
+void Tell(QWidget& window, std::string_view text, std::string_view caption = "Lumoscript");
+inline void Tell(const Desk& desk, std::string_view text, std::string_view caption = "Lumoscript") {
+    Tell(desk.window, text, caption);
+}
 bool AskYesNo(const Desk& desk, std::string_view question);
 
 }  // namespace lumo::ui

@@ -49,7 +49,8 @@ MainWindow::MainWindow(const StartRequest& request)
       desk_{view_, *this},
       files_(desk_),
       form_(new MainForm(this)),
-      actions_(this) {
+      actions_(this),
+      request_(request) {
     ui_.SetView(view_);
     setCentralWidget(form_);
     setAcceptDrops(true);
@@ -63,12 +64,13 @@ MainWindow::MainWindow(const StartRequest& request)
     connect(&walkTimer_, &QTimer::timeout, this, &MainWindow::StepWalk);
 
     view_.run.noPrompts = request.noPrompts;
+    view_.logs.debugOn = request.debugLog;  // before the menu shows it
     engine::StartView(view_, engine::SettingsFile::ReadAndWrite);
     ApplyTheme(static_cast<Theme>(view_.settings.theme));
     BindActions();
     ConnectForm();
     RestorePlacement();
-    StartUp(request);
+    StartUp();
 }
 
 MainWindow::~MainWindow() {
@@ -78,28 +80,26 @@ MainWindow::~MainWindow() {
     engine::JoinWorker(view_);
 }
 
-void MainWindow::StartUp(const StartRequest& request) {
+void MainWindow::StartUp() {
     files_.NoteSaved();
     ScriptHasChanged();
     engine::SelectCommand(view_, 0);
     std::string sample = view_.settings.files.sample;
     if (!platform::FileExists(sample)) sample = view_.settings.installFolder + "/Frame1.jpg";
     if (platform::FileExists(sample)) engine::OpenSample(view_, sample);
-    view_.logs.debugOn = request.debugLog;
-    exitAfterRun_ = request.runAtOnce && request.exitAfterRun;
-    const bool opened = request.scriptPath.empty() ||
-                        files_.OpenPath(request.scriptPath, script::words::kCannotOpenScript);
-    if (request.runAtOnce && opened) {
+    const bool opened = request_.scriptPath.empty() ||
+                        files_.OpenPath(engine::StatedScriptPath(view_, request_.scriptPath),
+                                        script::words::kCannotOpenScript);
+    view_.run.noPrompts = false;
+    exitAfterRun_ = request_.runAtOnce && request_.exitAfterRun;
+    if (request_.runAtOnce && opened) {
+        TakeRequest();
         view_.run.autoRun = true;
-        view_.run.autoExit = request.exitAfterRun;
-        view_.run.forceErrorLog = request.forceErrorLog;
+        view_.run.autoExit = request_.exitAfterRun;
         StartTimer2(0);
-    } else {
-        view_.run.noPrompts = false;
-        if (exitAfterRun_) {
-            exitStatus_ = 3;
-            QTimer::singleShot(0, this, &MainWindow::QuitProgram);
-        }
+    } else if (exitAfterRun_) {
+        exitStatus_ = 3;
+        QTimer::singleShot(0, this, &MainWindow::QuitProgram);
     }
     UpdateActions();
 }
@@ -339,11 +339,16 @@ void MainWindow::UpdateActions() {
     const bool busy = controlsClosed_ || running_ || walking;
     const QString why = walking ? QStringLiteral("while the script is tried on the sample")
                                 : QStringLiteral("while a batch run lasts");
-    for (const Act act :
-         {Act::NewScript, Act::OpenScript, Act::SaveScript, Act::SaveScriptAs, Act::LoadSubroutine,
-          Act::SaveSubroutineAs, Act::EditSubroutine, Act::OpenSubroutineAsScript,
-          Act::NewSubroutine, Act::Paste, Act::OpenImage, Act::KeepErrorLog, Act::KeepBatchLog,
-          Act::KeepDebugLog, Act::ShowEachImage, Act::EmptyTemp, Act::SetDefaultImage})
+    for (const Act act : {Act::NewScript,      Act::OpenScript,
+                          Act::SaveScript,     Act::SaveScriptAs,
+                          Act::LoadSubroutine, Act::SaveSubroutineAs,
+                          Act::EditSubroutine, Act::OpenSubroutineAsScript,
+                          Act::NewSubroutine,  Act::Paste,
+                          Act::OpenImage,      Act::KeepErrorLog,
+                          Act::KeepBatchLog,   Act::KeepDebugLog,
+                          Act::ShowEachImage,  Act::Preferences,
+                          Act::Writer,         Act::Reader,
+                          Act::EmptyTemp,      Act::SetDefaultImage})
         actions_.Enable(act, !busy, why);
 
     const engine::EditButtons may = engine::UpdateButtons(view_);

@@ -80,13 +80,17 @@ class MainWindow : public QMainWindow, private Screen {
     void ConnectForm();
     void ShowTextFileOf(std::string_view title, std::string_view filter, std::string folder);
     void OpenRecentList(int n);
+    void EditList(const std::string& path);
+    std::string ListAtHand() const;
     void EmptyTempFolder();
+    void ShowSettings();
     void ShowFullScreen(Side side);
     void OpenDropped(const std::string& path);
 
     // main_window_runs.cpp
     void PressRun();
     void PressRunOnSample();
+    void TakeRequest();
     void AfterStart();
     void StartWalk();
     void StepWalk();
@@ -94,7 +98,7 @@ class MainWindow : public QMainWindow, private Screen {
     void EndWalk();
     bool IsWalking() const;
 
-    void StartUp(const StartRequest& request);
+    void StartUp();
     void UpdateActions();
     void UpdateTitle();
     void UpdateCaptions();
@@ -120,6 +124,7 @@ class MainWindow : public QMainWindow, private Screen {
     bool controlsClosed_ = false;
     bool closeWhenEnded_ = false;
     bool quitting_ = false;
+    StartRequest request_;
     bool exitAfterRun_ = false;
     int exitStatus_ = 0;
 };

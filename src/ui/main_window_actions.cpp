@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QProcess>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QToolBar>
@@ -14,18 +15,24 @@
 #include "engine/open_sample.h"
 #include "engine/sample.h"
 #include "engine/sample_tests.h"
+#include "io/input.h"
 #include "io/metadata_report.h"
+#include "io/start_setup.h"
 #include "ops/files/empty_temp.h"
 #include "platform/files.h"
 #include "platform/paths.h"
+#include "script/fields.h"
+#include "script/names.h"
 #include "settings/recent.h"
 #include "settings/settings_store.h"
 #include "ui/command_tree.h"
 #include "ui/dropped_files.h"
 #include "ui/image_frame.h"
 #include "ui/image_window.h"
+#include "ui/list_editor.h"
 #include "ui/main_form.h"
 #include "ui/main_window.h"
+#include "ui/preference_dialog.h"
 #include "ui/script_list.h"
 #include "ui/text.h"
 #include "ui/text_window.h"
@@ -117,13 +124,12 @@ void MainWindow::BindViewActions() {
                        "Lumoscript log file (*.log)|*.log|All files (*.*)|*.*||",
                        view_.settings.folders.logs);
     });
-    const auto showList = [this] {
+    actions_.Bind(Act::ImageList, [this] { EditList(ListAtHand()); });
+    actions_.Bind(Act::ListAsText, [this] {
         ShowTextFileOf("Open (Lumoscript Image list file)",
                        "Image list file (*.lst)|*.lst|All files (*.*)|*.*||",
                        view_.settings.folders.lists);
-    };
-    actions_.Bind(Act::ImageList, showList);
-    actions_.Bind(Act::ListAsText, showList);
+    });
     actions_.Bind(Act::ScriptAsText, [this] {
         ShowTextFileOf("Open (Batch script file as text file)",
                        "Batch script file (*.whs)|*.whs|All files (*.*)|*.*||",
@@ -196,9 +202,19 @@ void MainWindow::BindOtherActions() {
     actions_.BindToggle(Act::ShowEachImage, settings.showEachImage, [this](bool on) {
         view_.settings.showEachImage = view_.run.showEachImage = on;
     });
-    const QString later = QStringLiteral("comes with a later version");
-    for (const Act act : {Act::Preferences, Act::Writer, Act::Reader, Act::RenameFiles})
-        actions_.Enable(act, false, later);
+    const auto sheet = [this](Act act, const PreferenceSheet& pages) {
+        actions_.Bind(act, [this, &pages] {
+            if (EditPreferences(this, view_, pages)) ShowSettings();
+        });
+    };
+    sheet(Act::Preferences, kGeneralSheet);
+    sheet(Act::Writer, kWriterSheet);
+    sheet(Act::Reader, kReaderSheet);
+    actions_.Bind(Act::RenameFiles, [this] {
+        const std::string path = view_.settings.installFolder + "/Namewright.exe";
+        if (!QProcess::startDetached(ToQt(path), {}))
+            Tell(desk_, "Unable to find Namewright.exe at:" + platform::Printable(path));
+    });
     actions_.Bind(Act::ViewTemp, [this] { ShowFolder(desk_, view_.settings.folders.temp); });
     actions_.Bind(Act::EmptyTemp, [this] { EmptyTempFolder(); });
     actions_.Bind(Act::Keys, [this] {
@@ -219,6 +235,15 @@ void MainWindow::BindOtherActions() {
                            "version 3 or later.</p>")
                 .arg(QStringLiteral(LUMO_VERSION)));
     });
+}
+
+/// In the menu, what a sheet of preferences has changed.
+void MainWindow::ShowSettings() {
+    const settings::Settings& settings = view_.settings;
+    actions_[Act::KeepErrorLog]->setChecked(settings.logs.errorLog);
+    actions_[Act::KeepBatchLog]->setChecked(settings.logs.batchLog);
+    actions_[Act::ShowEachImage]->setChecked(settings.showEachImage);
+    view_.run.showEachImage = settings.showEachImage;
 }
 
 void MainWindow::ConnectForm() {
@@ -293,9 +318,28 @@ void MainWindow::OpenRecentList(int n) {
     const std::string path = entry;
     if (!path.empty()) {
         settings::AddRecentList(view_.settings, path);
-        ShowTextFile(desk_, path);
+        EditList(path);
     }
     UpdateRecent();
+}
+
+void MainWindow::EditList(const std::string& path) {
+    if (const auto edited = EditImageList(this, view_, path)) {
+        settings::AddRecentList(view_.settings, *edited);
+        UpdateRecent();
+    }
+}
+
+/// The one that the Script reads, else the one in use last, if it is there; else none.
+std::string MainWindow::ListAtHand() const {
+    const script::Script& script = view_.script.commands;
+    if (const int start = script.Find(script::names::kStartImageLoop); start >= 0) {
+        const script::Fields fields = script::ParseParams(script.ParamsAt(start));
+        if (fields.Is(io::start::kLocation, io::start::kFromList))
+            return io::NativePath(view_, fields.Text(io::start::kListPath));
+    }
+    const std::string& last = view_.settings.recentLists[0];
+    return platform::FileExists(last) ? last : std::string();
 }
 
 void MainWindow::EmptyTempFolder() {
@@ -343,8 +387,7 @@ void MainWindow::OpenDropped(const std::string& path) {
             files_.OpenPath(path, "Unable to find or open named script file, check file path?");
             break;
         case Dropped::List:
-            settings::AddRecentList(view_.settings, path);
-            ShowTextFile(desk_, path);
+            EditList(path);
             break;
         case Dropped::Other:
             Tell(desk_, "Unsupported file type!", "Dropped files");

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QStatusBar>
+#include <utility>
 
 #include "engine/run_batch.h"
 #include "engine/sample_tests.h"
@@ -24,6 +25,12 @@ int StatusOf(const engine::RunState& run) {
 
 }  // namespace
 
+/// What the command line asks for the first run holds for that one, whoever starts it.
+void MainWindow::TakeRequest() {
+    view_.run.noPrompts = std::exchange(request_.noPrompts, false);
+    view_.run.forceErrorLog = std::exchange(request_.forceErrorLog, false);
+}
+
 void MainWindow::PressRun() {
     if (starting_ || IsWalking()) return;
     if (running_) {
@@ -33,6 +40,7 @@ void MainWindow::PressRun() {
         return;
     }
     starting_ = true;
+    TakeRequest();
     engine::RunBatch(view_);
     starting_ = false;
     AfterStart();
@@ -41,6 +49,7 @@ void MainWindow::PressRun() {
 void MainWindow::PressRunOnSample() {
     if (starting_ || running_ || IsWalking()) return;
     starting_ = true;
+    TakeRequest();
     engine::RunOnSample(view_);
     starting_ = false;
     AfterStart();
@@ -64,7 +73,7 @@ void MainWindow::RunHasEnded() {
     engine::JoinWorker(view_);
     running_ = false;
     controlsClosed_ = false;
-    if (exitAfterRun_) exitStatus_ = StatusOf(view_.run);
+    if (std::exchange(exitAfterRun_, false)) exitStatus_ = StatusOf(view_.run);
     form_->progress->End();
     RebuildLeft();
     RebuildRight();
@@ -76,7 +85,7 @@ void MainWindow::RunHasEnded() {
 }
 
 bool MainWindow::IsWalking() const {
-    return engine::IsTestAllActive(view_);
+    return !running_ && engine::IsTestAllActive(view_);  // a run's state is the worker's
 }
 
 void MainWindow::StartWalk() {

@@ -5,18 +5,11 @@
 #include <QHBoxLayout>
 
 #include "platform/paths.h"
+#include "ui/desk.h"
+#include "ui/list_editor.h"
 #include "ui/text.h"
 
 namespace lumo::ui {
-namespace {
-
-// Every format that can be read, for fields that name a picture.
-constexpr std::string_view kPictures =
-    "Image files "
-    "|*.jpg;*.jpeg;*.tif;*.tiff;*.bmp;*.png;*.gif;*.pcx;*.tga;*.psd;*.wmf;*.emf|All files "
-    "(*.*)|*.*||";
-
-}  // namespace
 
 PathControl::PathControl(const engine::CLumoscriptView& view, const script::FieldSpec& spec,
                          int field, QWidget* parent)
@@ -30,6 +23,13 @@ PathControl::PathControl(const engine::CLumoscriptView& view, const script::Fiel
     line->addWidget(edit_, 1);
     line->addWidget(button_);
     button_->setAutoDefault(false);
+    if (spec_.fileFilter.find("*.lst") != std::string_view::npos) {
+        auto* edit = new QPushButton(QStringLiteral("Edit..."));
+        edit->setAutoDefault(false);
+        edit->setAccessibleName(QStringLiteral("Edit the Image list..."));
+        line->addWidget(edit);
+        connect(edit, &QPushButton::clicked, this, &PathControl::EditList);
+    }
     edit_->setMinimumWidth(edit_->fontMetrics().averageCharWidth() * 24);
     connect(edit_, &QLineEdit::textChanged, this, [this](const QString& text) {
         edit_->setToolTip(text);  // it is often longer than the edit
@@ -62,13 +62,24 @@ void PathControl::Browse() {
             ? QFileDialog::getExistingDirectory(this, title, StartPath())
             : QFileDialog::getOpenFileName(
                   this, title, StartPath(),
-                  FileFilter(spec_.fileFilter.empty() ? kPictures : spec_.fileFilter));
+                  FileFilter(spec_.fileFilter.empty() ? kPictureFilter : spec_.fileFilter));
     if (!chosen.isEmpty()) edit_->setText(chosen);
 }
 
+std::string PathControl::NativePath() const {
+    return platform::ParsePath(FromQt(edit_->text()), view_.settings.installFolder,
+                               view_.settings.folders.temp);
+}
+
+/// A path that is stated with tokens, or in the other spelling, stays as it stands.
+void PathControl::EditList() {
+    const std::string before = NativePath();
+    const auto edited = EditImageList(window(), view_, before);
+    if (edited && *edited != before) edit_->setText(ToQt(*edited));
+}
+
 QString PathControl::StartPath() const {
-    const std::string native = platform::ParsePath(
-        FromQt(edit_->text()), view_.settings.installFolder, view_.settings.folders.temp);
+    const std::string native = NativePath();
     if (!native.empty() && QFileInfo::exists(ToQt(native))) return ToQt(native);
     const std::string folder = platform::GetFolderPath(native);
     if (!folder.empty() && QFileInfo::exists(ToQt(folder))) return ToQt(folder);

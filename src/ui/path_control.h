@@ -8,8 +8,8 @@
 
 namespace lumo::ui {
 
-/// A file or folder: an edit and a chooser. Shown as it is stored, also with "\" and
-/// <INSTALL_FOLDER> in it; what the chooser gives is native.
+/// A file or folder: an edit and a chooser, and an editor for an Image list. Shown as it is stored,
+/// also with "\" and <INSTALL_FOLDER> in it; what the chooser gives is native.
 class PathControl : public FieldControl {
     Q_OBJECT
 
@@ -27,6 +27,8 @@ class PathControl : public FieldControl {
 
   private:
     void Browse();
+    void EditList();
+    std::string NativePath() const;
     /// Where the chooser opens: the stored path made native, or the folder of pictures.
     QString StartPath() const;
 

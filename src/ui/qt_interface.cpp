@@ -16,8 +16,6 @@ namespace {
 
 using engine::MessageIcon;
 
-constexpr auto kPictureInterval = std::chrono::milliseconds(60);
-
 /// The bytes of a command, beside the text: what is no UTF-8 would not come back from the text.
 const QString kCommandMime = QStringLiteral("application/x-lumoscript-command");
 
@@ -208,13 +206,14 @@ void QtInterface::RebuildRightDisplay() {
         screen_.RebuildRight();
         return;
     }
-    // The worker owns the picture while it runs, so it makes the small one itself; faster than the
-    // eye follows would be wasted. The window makes the last one of a run anew.
+    // The worker owns the picture while it runs, so it makes the small one itself. The window makes
+    // the last one of a run anew.
     imaging::Size frame;
     {
         const std::lock_guard lock(mutex_);
         const auto now = std::chrono::steady_clock::now();
-        if (abandoned_ || !view_ || now - lastPicture_ < kPictureInterval) return;
+        if (abandoned_ || !view_) return;
+        if (lastPicture_ && now - *lastPicture_ < pictureInterval_) return;
         lastPicture_ = now;
         frame = rightFrame_;
     }

@@ -21,7 +21,11 @@ class QtInterface : public QObject, public engine::UserInterface {
     Q_OBJECT
 
   public:
-    explicit QtInterface(Screen& screen) : screen_(screen) {}
+    /// Of the pictures that a run makes, none sooner after another than `pictureInterval`: faster
+    /// than the eye follows would be wasted.
+    explicit QtInterface(Screen& screen, std::chrono::steady_clock::duration pictureInterval =
+                                             std::chrono::milliseconds(60))
+        : screen_(screen), pictureInterval_(pictureInterval) {}
 
     /// Where the pictures come from that a run shows; before the first run.
     void SetView(const engine::CLumoscriptView& view) { view_ = &view; }
@@ -87,7 +91,8 @@ class QtInterface : public QObject, public engine::UserInterface {
     bool posted_ = false;
     bool abandoned_ = false;
     imaging::Size rightFrame_;
-    std::chrono::steady_clock::time_point lastPicture_;
+    const std::chrono::steady_clock::duration pictureInterval_;
+    std::optional<std::chrono::steady_clock::time_point> lastPicture_;
 };
 
 }  // namespace lumo::ui

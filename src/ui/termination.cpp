@@ -1,5 +1,6 @@
 #include "ui/termination.h"
 
+#include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -32,7 +33,8 @@ void Catch(void (*handler)(int)) {
 }  // namespace
 
 Termination::Termination(std::function<void(int)> asked) {
-    if (pipe(ends_) != 0) return;
+    // Not for the programs that are started from here, and never a wait in a handler.
+    if (pipe2(ends_, O_CLOEXEC | O_NONBLOCK) != 0) return;
     writeEnd = ends_[1];
     caught = 0;
     auto* notifier = new QSocketNotifier(ends_[0], QSocketNotifier::Read, this);

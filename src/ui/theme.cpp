@@ -1,9 +1,11 @@
 #include "ui/theme.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QPalette>
-#include <QStyle>
+#include <QProxyStyle>
 #include <QStyleFactory>
+#include <QStyleOption>
 
 namespace lumo::ui {
 namespace {
@@ -38,6 +40,55 @@ QPalette Colours(QColor window, QColor base, QColor text, QColor button, QColor 
     return palette;
 }
 
+/// Buttons of dialogs without the small pictures that look alike in every theme; and, on a dark
+/// ground, outlines that can be seen: those of Fusion are darker than the ground.
+class CalmStyle : public QProxyStyle {
+  public:
+    CalmStyle(const QString& base, bool outlines)
+        : QProxyStyle(QStyleFactory::create(base)), outlines_(outlines) {}
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
+        return QProxyStyle::styleHint(hint, option, widget, data);
+    }
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        if (!outlines_ || option->state.testFlag(State_HasFocus)) return;
+        const QRectF frame = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+        if (element == PE_IndicatorCheckBox || element == PE_FrameLineEdit) {
+            Begin(*option, *painter);
+            painter->drawRoundedRect(frame, 2, 2);
+            painter->restore();
+        } else if (element == PE_IndicatorRadioButton) {
+            Begin(*option, *painter);
+            painter->drawEllipse(frame);
+            painter->restore();
+        }
+    }
+
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                            QPainter* painter, const QWidget* widget) const override {
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+        if (!outlines_ || control != CC_SpinBox || option->state.testFlag(State_HasFocus)) return;
+        Begin(*option, *painter);
+        painter->drawRoundedRect(QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
+        painter->restore();
+    }
+
+  private:
+    static void Begin(const QStyleOption& option, QPainter& painter) {
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(option.palette.color(QPalette::Mid));
+    }
+
+    bool outlines_;
+};
+
 }  // namespace
 
 void ApplyTheme(Theme theme) {
@@ -45,11 +96,11 @@ void ApplyTheme(Theme theme) {
     static const QString desktopStyle = QApplication::style()->name();
     static const QPalette desktopPalette = QApplication::palette();
     if (theme == Theme::OfDesktop) {
-        QApplication::setStyle(QStyleFactory::create(desktopStyle));
+        QApplication::setStyle(new CalmStyle(desktopStyle, false));
         QApplication::setPalette(desktopPalette);
         return;
     }
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new CalmStyle(QStringLiteral("Fusion"), theme == Theme::Dark));
     QApplication::setPalette(
         theme == Theme::Dark ? Colours({0x2b, 0x2d, 0x30}, {0x1f, 0x20, 0x23}, {0xe4, 0xe5, 0xe7},
                                        {0x3a, 0x3d, 0x41}, {0x2f, 0x73, 0xc8})

@@ -97,6 +97,48 @@ struct ReadListFileTest : testing::Test {
     std::string list = bench.folder / "list.lst";
 };
 
+// ---- Written lists ------------------------------------------------------------------------------
+
+TEST(ListText, HoldsTheLinesBetweenItsMarkersAndNoEmptyOne) {
+    EXPECT_EQ(ListText({}), "START\r\nEND\r\n");
+    EXPECT_EQ(ListText({"; a", "", "/b.jpg"}), "START\r\n; a\r\n/b.jpg\r\nEND\r\n");
+}
+
+TEST(ListText, ReadsBackByteForByte) {
+    const std::vector<std::string> lines{
+        "; \xff comment",           "/a b/\xe9.jpg", "<INSTALL_FOLDER>\\x\\",
+        "/x/ (include subfolders)", "END ",          "a\nb"};
+    EXPECT_EQ(ListLines(ListText(lines)), lines);
+    EXPECT_EQ(ListLines("BEGIN\r\nEND\r\n"), std::nullopt);
+    EXPECT_EQ(ListLines("STARTx\r\nEND\r\n"), std::nullopt);
+}
+
+TEST(ListLine, NamesExactlyThisFile) {
+    for (const char* path :
+         {"/a.jpg", "/a b;c.jpg", "/x (no subfolders)", "/x (include subfolders)",
+          "/x (include subfolders) (no subfolders)", "/x (no subfolders) (include subfolders)",
+          "/x (no subfolders) (no subfolders)", "/x (no subfolders).jpg", "rel.jpg"}) {
+        const auto line = ListLineOfFile(path);
+        ASSERT_TRUE(line) << path;
+        EXPECT_EQ(ParseListLine(*line).path, path) << *line;
+        EXPECT_FALSE(ParseListLine(*line).isFolder) << *line;
+    }
+    for (const char* path : {"", "/a\n.jpg", "/a\r.jpg", "/a.jpg ", ";a.jpg", "/a/", "END"})
+        EXPECT_EQ(ListLineOfFile(path), std::nullopt) << path;
+}
+
+TEST(ListLine, NamesExactlyThisFolder) {
+    for (const bool recursive : {false, true})
+        for (const std::string path :
+             {"/a", "/a b ", "/x (no subfolders)", "/x (include subfolders)"}) {
+            const auto line = ListLineOfFolder(path, recursive);
+            ASSERT_TRUE(line) << path;
+            EXPECT_EQ(ParseListLine(*line), Folder(path + "/", recursive)) << *line;
+            EXPECT_EQ(ListLineOfFolder(path + "/", recursive), line);
+        }
+    EXPECT_EQ(ListLineOfFolder("/a\n", true), std::nullopt);
+}
+
 TEST_F(ReadListFileTest, KeepsTheOrderOfTheFile) {
     EXPECT_THAT(
         Read("START\r\n/gone.jpg\r\n" + bench.In() + "\r\n" + bench.In("a.jpg") + "\r\nEND\r\n"),

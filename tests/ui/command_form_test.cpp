@@ -17,6 +17,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -39,6 +40,7 @@
 #include "ui/path_control.h"
 #include "ui/qt_application.h"
 #include "ui/text_controls.h"
+#include "ui/window_fixture.h"
 
 namespace lumo::ui {
 namespace {
@@ -303,7 +305,7 @@ TEST_F(Form, TypedNumberIsClampedASecondLater) {
     Show(names::kSolarize, "1,100,");
     Type(Number(0), "300");
     EXPECT_EQ(Number(0).text(), QStringLiteral("300"));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return Number(0).text() == QStringLiteral("255"); }, 3000));
+    EXPECT_TRUE(test::WaitUntil([&] { return Number(0).text() == QStringLiteral("255"); }));
 }
 
 TEST_F(Form, OkWithinThatSecondClampsToo) {
@@ -718,47 +720,70 @@ TEST_F(Form, CommandsWithoutKeyKeepNoPlacement) {
 
 // ---- Preview ----
 
+/// A preview that is calculated as long as the gate is closed.
+class Gate {
+  public:
+    static void Close() {
+        open_ = false;
+        calls = inside = 0;
+        last = -1;
+    }
+    static void Open() {
+        const std::lock_guard lock(mutex_);
+        open_ = true;
+        opened_.notify_all();
+    }
+    static void Pass(int value) {
+        ++inside;
+        std::unique_lock lock(mutex_);
+        // Nobody opens it if the window's thread stands here itself.
+        EXPECT_TRUE(opened_.wait_for(lock, std::chrono::seconds(60), [] { return open_.load(); }));
+        last = value;
+        ++calls;
+        --inside;
+    }
+    static inline std::atomic<int> calls{0}, inside{0}, last{-1};
+
+  private:
+    static inline std::mutex mutex_;
+    static inline std::condition_variable opened_;
+    static inline std::atomic<bool> open_{true};
+};
+
 constexpr std::array kSlowFields{script::Integer("Value", "0").Clamp(0, 255)};
-std::atomic<int> slowCalls{0};
-std::atomic<int> slowLast{-1};
 
 imaging::Image SlowPreview(imaging::ConstImageView before, imaging::Size, const Fields& fields) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    ++slowCalls;
-    slowLast = fields.Integer(0);
+    Gate::Pass(fields.Integer(0));
     return std::move(*imaging::Image::TryCopy(before));
 }
 
 const Command kSlowCommand{.spec = {.name = "Slow", .fields = kSlowFields}, .preview = SlowPreview};
 
 TEST_F(Form, TypingNeverWaitsForThePreview) {
+    Gate::Close();
     form = std::make_unique<CommandForm>(view, kSlowCommand, "1,0,");
     form->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(form.get()));
-    slowCalls = 0;
-    std::chrono::milliseconds slowest{0};
+    ASSERT_TRUE(test::WaitUntil([] { return Gate::inside == 1; }));
     for (int i = 0; i < 40; ++i) {
-        const auto start = std::chrono::steady_clock::now();
         Type(Number(0), std::to_string(100 + i).c_str());
-        QTest::qWait(10);
-        slowest = std::max(slowest, std::chrono::duration_cast<std::chrono::milliseconds>(
-                                        std::chrono::steady_clock::now() - start));
+        QApplication::processEvents();
     }
-    EXPECT_LT(slowest.count(), 250);
+    EXPECT_EQ(Gate::calls, 0);
+    Gate::Open();
     // The last state is shown, and most of those before it were passed over.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return slowLast.load() == 139; }, 5000));
-    EXPECT_LT(slowCalls, 15);
+    EXPECT_TRUE(test::WaitUntil([] { return Gate::last == 139; }));
+    EXPECT_LE(Gate::calls, 3);
 }
 
 TEST_F(Form, PreviewShowsWhatTheCommandDoes) {
     Show(names::kSolarize, "1,255,");
     ASSERT_TRUE(form->Preview());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !form->Preview()->After().Picture().isNull(); }));
+    ASSERT_TRUE(test::WaitUntil([&] { return !form->Preview()->After().Picture().isNull(); }));
     const QImage before = form->Preview()->Before().Picture();
     EXPECT_EQ(form->Preview()->After().Picture(), before);    // threshold 255 changes nothing
     EXPECT_NEAR(before.width() * 2, before.height() * 3, 3);  // of 60 x 40
     Number(0).SetValue(0);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return form->Preview()->After().Picture() != before; }));
+    ASSERT_TRUE(test::WaitUntil([&] { return form->Preview()->After().Picture() != before; }));
     const QRgb pixel = before.pixel(5, 5);
     EXPECT_EQ(form->Preview()->After().Picture().pixel(5, 5),
               qRgb(255 - qRed(pixel), 255 - qGreen(pixel), 255 - qBlue(pixel)));
@@ -811,7 +836,7 @@ TEST_F(Form, PreviewObeysTheRangeWhileTheEditDoesNot) {
     form->show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(form.get()));
     Type(Number(0), "999");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return slowLast.load() == 255; }, 3000));
+    EXPECT_TRUE(test::WaitUntil([] { return Gate::last == 255; }));
 }
 
 TEST_F(Form, EveryPreviewComesBack) {
@@ -821,8 +846,8 @@ TEST_F(Form, EveryPreviewComesBack) {
         SCOPED_TRACE(command->spec.name);
         Show(command->spec.name);
         ASSERT_TRUE(form->Preview());
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !form->Preview()->Before().Picture().isNull(); }));
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !form->Preview()->After().Picture().isNull(); }));
+        ASSERT_TRUE(test::WaitUntil([&] { return !form->Preview()->Before().Picture().isNull(); }));
+        ASSERT_TRUE(test::WaitUntil([&] { return !form->Preview()->After().Picture().isNull(); }));
     }
 }
 
@@ -835,7 +860,7 @@ TEST_F(Form, DuringABatchTheLeftImageIsShown) {
     view.run.batchRunning = true;
     view.sample.left = test::CoordinateImage({10, 90});
     Show(names::kSolarize);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !form->Preview()->Before().Picture().isNull(); }));
+    ASSERT_TRUE(test::WaitUntil([&] { return !form->Preview()->Before().Picture().isNull(); }));
     const QImage before = form->Preview()->Before().Picture();
     EXPECT_NEAR(before.height(), 9 * before.width(), 9);
     view.run.batchRunning = false;
@@ -843,18 +868,24 @@ TEST_F(Form, DuringABatchTheLeftImageIsShown) {
 
 TEST_F(Form, MissingSecondPictureIsTold) {
     Show(names::kWatermark, "12,10,10,20,100,1,0,0,255,10,\"/nowhere/at/all.bmp\",0,0,");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !form->Preview()->Before().Picture().isNull(); }));
+    ASSERT_TRUE(test::WaitUntil([&] { return !form->Preview()->Before().Picture().isNull(); }));
     EXPECT_TRUE(form->Preview()->After().Picture().isNull());
 }
 
 TEST_F(Form, ClosingWhileAPreviewIsCalculatedWaitsForIt) {
-    for (int i = 0; i < 3; ++i) {
+    for (const bool begun : {false, true}) {
+        Gate::Close();
         form = std::make_unique<CommandForm>(view, kSlowCommand, "1,0,");
         form->show();
-        QTest::qWait(80 * i);
+        if (begun) {
+            ASSERT_TRUE(test::WaitUntil([] { return Gate::inside == 1; }));
+        }
+        std::thread opener([] { Gate::Open(); });
         form.reset();
+        EXPECT_EQ(Gate::inside, 0);
+        opener.join();
     }
-    QTest::qWait(10);
+    QApplication::processEvents();  // nothing comes for a form that is gone
 }
 
 TEST(PreviewFit, KeepsProportionsInsideOfTheFrame) {

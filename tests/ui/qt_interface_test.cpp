@@ -91,7 +91,7 @@ TEST_F(QtInterfaceTest, AWorkerHandsOverTheNewestOfEachKind) {
     });
     worker.join();
     EXPECT_TRUE(screen_.notes.empty());  // nothing is shown but by the window's thread
-    QTest::qWait(10);
+    QCoreApplication::sendPostedEvents();
     EXPECT_THAT(screen_.notes, ElementsAre("title 1000", "counts 1000", "selection 0", "ended"));
 }
 
@@ -119,23 +119,27 @@ TEST_F(QtInterfaceTest, AbandonAnswersNoToAWorkerThatWaits) {
     ui_.Abandon();
     worker.join();  // without the event loop: nobody can answer
     EXPECT_FALSE(answer);
-    QTest::qWait(10);
+    QCoreApplication::sendPostedEvents();
     EXPECT_TRUE(screen_.notes.empty());
 }
 
 TEST_F(QtInterfaceTest, AWorkerMakesThePictureForTheFrameItself) {
-    engine::CLumoscriptView view(ui_);
-    ui_.SetView(view);
-    ui_.SetRightFrame({54, 54});
-    view.working.main = test::FlatImage({500, 250}, {1, 2, 3});
-    std::thread worker([&] {
-        ui_.RebuildRightDisplay();
-        view.working.main.Reset();
-        ui_.RebuildRightDisplay();  // too soon after the first
-    });
-    worker.join();
-    QTest::qWait(10);
-    EXPECT_THAT(screen_.notes, ElementsAre("picture 50"));
+    for (const bool soon : {true, false}) {
+        QtInterface ui(screen_, soon ? std::chrono::hours(1) : std::chrono::hours(0));
+        engine::CLumoscriptView view(ui);
+        ui.SetView(view);
+        ui.SetRightFrame({54, 54});
+        view.working.main = test::FlatImage({500, 250}, {1, 2, 3});
+        std::thread worker([&] {
+            ui.RebuildRightDisplay();
+            view.working.main = test::FlatImage({250, 500}, {1, 2, 3});
+            ui.RebuildRightDisplay();  // too soon after the first, or not
+        });
+        worker.join();
+        screen_.notes.clear();
+        QCoreApplication::sendPostedEvents();
+        EXPECT_THAT(screen_.notes, ElementsAre(soon ? "picture 50" : "picture 25"));
+    }
 }
 
 TEST_F(QtInterfaceTest, WithoutPromptsNobodyIsAsked) {

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QTabWidget>
 #include <QThread>
 #include <cstdio>
 
@@ -16,8 +17,10 @@
 #include "ui/command_form.h"
 #include "ui/command_tree.h"
 #include "ui/image_window.h"
+#include "ui/list_editor.h"
 #include "ui/main_form.h"
 #include "ui/main_window.h"
+#include "ui/preference_dialog.h"
 #include "ui/progress_panel.h"
 #include "ui/text.h"
 #include "ui/theme.h"
@@ -45,11 +48,35 @@ void TakeForms(lumo::ui::MainWindow& window, const QDir& folder, const QString& 
         form.show();
         Settle();
         Settle();
-        QString file = theme + QLatin1Char('-') + ui::ToQt(name) + QStringLiteral(".png");
+        QString file = ui::ToQt(name) + QLatin1Char('-') + theme + QStringLiteral(".png");
         file.replace(QLatin1Char('/'), QLatin1Char('-'))
             .replace(QLatin1Char(' '), QLatin1Char('-'));
         form.grab().save(folder.filePath(file));
     }
+}
+
+/// Every page of the sheets of preferences, and the editor of Image lists.
+void TakeDialogs(lumo::ui::MainWindow& window, const QDir& folder, const QString& theme) {
+    using namespace lumo;
+    for (const ui::PreferenceSheet* sheet :
+         {&ui::kGeneralSheet, &ui::kWriterSheet, &ui::kReaderSheet}) {
+        ui::PreferenceDialog dialog(window.View(), *sheet, &window);
+        dialog.show();
+        for (int i = 0; i < dialog.Tabs().count(); ++i) {
+            dialog.Tabs().setCurrentIndex(i);
+            Settle();
+            dialog.grab().save(folder.filePath(ui::ToQt(sheet->title) + QLatin1Char('-') +
+                                               dialog.Tabs().tabText(i) + QLatin1Char('-') + theme +
+                                               QStringLiteral(".png")));
+        }
+    }
+    ui::ListEditor editor(window.View(), &window);
+    editor.Rows().Insert({"; Summer", "<INSTALL_FOLDER>\\Photos\\ (include subfolders)",
+                          "<INSTALL_FOLDER>/Photos/Fig.jpg", "/gone/away.jpg"});
+    editor.show();
+    Settle();
+    editor.grab().save(
+        folder.filePath(QStringLiteral("Image-list-") + theme + QStringLiteral(".png")));
 }
 
 }  // namespace
@@ -102,6 +129,7 @@ int main(int argc, char** argv) {
         save(*enlarged, QStringLiteral("split") + ending);
         enlarged->close();
         TakeForms(window, folder, QString::fromLatin1(name));
+        TakeDialogs(window, folder, QString::fromLatin1(name));
     }
     window.Form().filter->setText(QStringLiteral("blur"));
     window.Form().progress->Begin();

@@ -207,12 +207,11 @@ TEST_F(ScriptFilesWindow, LogsOpenInTheDesktopsViewerOrInOurOwn) {
     const qsizetype before = Window().findChildren<QPlainTextEdit*>().size();
     Trigger(Act::BatchLog);
     EXPECT_TRUE(test::WaitUntil([&] { return test::FileText(*this / "opened") == log; }));
-    QTest::qWait(50);
-    EXPECT_EQ(Window().findChildren<QPlainTextEdit*>().size(), before);
     test::PutFile(opener, "#!/bin/sh\nexit 3\n");
     Trigger(Act::BatchLog);
-    EXPECT_TRUE(test::WaitUntil(
-        [&] { return Window().findChildren<QPlainTextEdit*>().size() == before + 1; }));
+    EXPECT_TRUE(
+        test::WaitUntil([&] { return Window().findChildren<QPlainTextEdit*>().size() > before; }));
+    EXPECT_EQ(Window().findChildren<QPlainTextEdit*>().size(), before + 1);  // of the failure alone
 }
 
 TEST_F(ScriptFilesWindow, ListsAreRememberedAndForgottenWhenGone) {
@@ -221,14 +220,16 @@ TEST_F(ScriptFilesWindow, ListsAreRememberedAndForgottenWhenGone) {
     answers.Pick(*this / "a.lst");
     Trigger(Act::ListAsText);
     answers.Pick(*this / "b.lst");
-    Trigger(Act::ImageList);
+    Trigger(Act::ListAsText);
     EXPECT_THAT(ShownText(), HasSubstr("; b"));
     EXPECT_THAT(View().settings.recentLists, ElementsAre(*this / "b.lst", *this / "a.lst", "", ""));
     std::filesystem::remove(*this / "b.lst");
+    answers.Cancel();  // the editor, with the list that moved up
     for (QAction* action : Window().findChildren<QAction*>())
         if (action->isVisible() && action->text().startsWith(QStringLiteral("&1 ")) &&
             action->statusTip().startsWith(QStringLiteral("Opens the Image list")))
             action->trigger();
+    EXPECT_THAT(answers.shown.back(), StartsWith(*this / "a.lst"));
     EXPECT_THAT(View().settings.recentLists, ElementsAre(*this / "a.lst", "", "", ""));
 }
 

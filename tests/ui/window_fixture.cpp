@@ -24,6 +24,17 @@
 namespace lumo::test {
 namespace {
 
+/// Made once: it is most of what a test would have to wait for.
+std::string CopyOfShippedFiles() {
+    static const TempFolder folder;
+    static const std::string copy = [] {
+        std::filesystem::copy(SourceRoot() / "share", folder / "share",
+                              std::filesystem::copy_options::recursive);
+        return folder / "share";
+    }();
+    return copy;
+}
+
 std::string TextOf(QWidget* dialog) {
     if (const auto* box = qobject_cast<QMessageBox*>(dialog)) return ui::FromQt(box->text());
     return ui::FromQt(dialog->windowTitle());
@@ -103,12 +114,18 @@ void Answers::Cancel() {
     Do(Dismiss);
 }
 
+void WindowTest::UseShippedFilesOfItsOwn() {
+    std::filesystem::remove(home_ / "install");
+    std::filesystem::copy(SourceRoot() / "share", home_ / "install",
+                          std::filesystem::copy_options::recursive);
+}
+
 bool WaitUntil(const std::function<bool()>& condition, double seconds) {
     QElapsedTimer clock;
     clock.start();
     while (!condition()) {
         if (clock.elapsed() > seconds * 1000) return false;
-        QTest::qWait(5);
+        QTest::qWait(1);
     }
     return true;
 }
@@ -122,8 +139,7 @@ WindowTest::WindowTest() {
     set("XDG_CONFIG_HOME", home_ / ".config");
     set("XDG_DATA_HOME", home_ / ".local");
     // Commands on files may change what is shipped: they get a copy.
-    std::filesystem::copy(SourceRoot() / "share", home_ / "install",
-                          std::filesystem::copy_options::recursive);
+    std::filesystem::create_directory_symlink(CopyOfShippedFiles(), home_ / "install");
     set("LUMOSCRIPT_INSTALL_FOLDER", home_ / "install");
     set("PATH", home_ / "bin");  // no opener of the desktop but those that a test puts there
 }
@@ -190,10 +206,6 @@ std::string WindowTest::PanelText() {
 }
 std::string WindowTest::Status() {
     return ui::FromQt(Form().progress->Status());
-}
-
-bool WindowTest::WaitForEnd(double seconds) {
-    return WaitUntil([&] { return !Window().IsRunning(); }, seconds);
 }
 
 void WindowTest::SetScript(const std::vector<std::string>& lines) {

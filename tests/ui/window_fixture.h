@@ -53,13 +53,15 @@ class Answers : public QObject {
 };
 
 /// Runs the event loop until the condition holds; false after so many seconds.
-bool WaitUntil(const std::function<bool()>& condition, double seconds = 20);
+bool WaitUntil(const std::function<bool()>& condition, double seconds = 120);
 
 class WindowTest : public testing::Test {
   protected:
     WindowTest();
     ~WindowTest() override;
 
+    /// For tests that may change what is shipped; all others share one copy. Before Start.
+    void UseShippedFilesOfItsOwn();
     /// Opens the window with this command line.
     void Start(const ui::StartRequest& request = {});
     /// Closes it as a user would, and throws away what was not saved.
@@ -85,7 +87,9 @@ class WindowTest : public testing::Test {
     std::string PanelText();
     std::string Status();
     /// Waits for the end of the run.
-    bool WaitForEnd(double seconds = 60);
+    bool WaitForEnd() {
+        return WaitUntil([&] { return !Window().IsRunning(); });
+    }
 
     /// Replaces the Script, unmodified, with names and parameters in turn.
     void SetScript(const std::vector<std::string>& lines);
