@@ -330,21 +330,6 @@ TEST_F(DrawText, AnotherFontStandsInForLettersThatTheFaceHasNot) {
     }
 }
 
-TEST_F(DrawText, LettersThatArePicturesAreInkWhereTheyAreNotClear) {
-    constexpr int kHeight = 32;  // at which the font has its picture: a disc as wide as the letter
-    for (const Smoothing smoothing : kBoth) {
-        const Image face = Drawn("\U0001F600", -kHeight, smoothing, 20, 10);
-        EXPECT_NEAR(InkBox(face).left, 20, 2);
-        EXPECT_NEAR(InkBox(face).Extent().width, kHeight, 3);
-        EXPECT_NEAR(InkBox(face).Extent().height, kHeight, 3);
-        // Its eyes and its mouth are no holes.
-        EXPECT_NEAR(static_cast<double>(InkSum(face)) / 255, 0.785 * kHeight * kHeight, 50);
-        if (smoothing == Smoothing::Aliased) {
-            EXPECT_EQ(RedValues(face), (std::set<int>{0, 255}));
-        }
-    }
-}
-
 TEST_F(DrawText, AFaceThatIsNotInstalledFallsBack) {
     const std::string longName(10'000, 'z');
     for (const std::string& face :
