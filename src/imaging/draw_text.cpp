@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "imaging/last_error.h"
-#include "imaging/simd.h"
 #include "imaging/text_layout.h"
 #include "imaging/text_lines.h"
 
@@ -35,7 +34,6 @@ class TextBlock {
         boxes_.reserve(lines_.size());
         for (const std::string& line : lines_) {
             const TextLayout::Extent extent = layout_.SetLine(line);
-            laidOut_ = boxes_.size();
             width_ = std::max(width_, RoundedUp(extent.width));
             step_ = std::max(step_, RoundedUp(extent.ascent + extent.descent));
             const auto baseline = static_cast<std::int64_t>(std::floor(extent.ascent + 0.5));
@@ -70,8 +68,7 @@ class TextBlock {
     void Draw(cairo_t* cr, int x, int y, Rect visible) {
         for (std::size_t i = 0; i < lines_.size(); ++i) {
             if (y + InkTop(i) >= visible.bottom || y + InkBottom(i) <= visible.top) continue;
-            if (laidOut_ != i) layout_.SetLine(lines_[i]);
-            laidOut_ = i;
+            layout_.SetLine(lines_[i]);
             layout_.Draw(cr, x, y + Top(i) + boxes_[i].baseline, visible);
         }
     }
@@ -93,7 +90,6 @@ class TextBlock {
     TextLayout layout_;
     std::vector<std::string> lines_;
     std::vector<Box> boxes_;
-    std::size_t laidOut_ = 0;  // the line that the layout holds
     std::int64_t width_ = 0;
     std::int64_t step_ = 0;  // from line to line
 };
@@ -105,61 +101,55 @@ std::optional<TextBlock> MakeBlock(std::string_view text, const TextFont& font,
     return TextBlock(std::move(*layout), text);
 }
 
-// Each byte becomes colour * share + value * (1 - share), rounded.
-LUMO_SIMD_CLONES void MixBytes(const double* colours, const double* shares, int count,
-                               std::uint8_t* bytes) {
-    for (int i = 0; i < count; ++i)
-        bytes[i] = static_cast<std::uint8_t>(
-            static_cast<int>(colours[i] * shares[i] + bytes[i] * (1.0 - shares[i]) + 0.5));
-}
-
 /// What ink makes of the pixels that it covers.
 class Inker {
   public:
-    Inker(Rgb colour, double opacity, Smoothing smoothing) {
-        for (std::size_t i = 0; i < shares_.size(); ++i) {
-            const double ink = static_cast<double>(i) / kFull;
-            // Letters that are pictures have soft edges in any case.
-            shares_[i] = (smoothing == Smoothing::Smooth ? ink : std::floor(ink + 0.5)) * opacity;
-        }
-        const std::uint8_t channels[] = {colour.red, colour.green, colour.blue};
-        for (std::size_t i = 0; i < colours_.size(); ++i) colours_[i] = channels[i % kChannels];
+    Inker(Rgb colour, double opacity)
+        : colour_{double{1} * colour.red, double{1} * colour.green, double{1} * colour.blue} {
+        for (std::size_t i = 0; i < shares_.size(); ++i)
+            shares_[i] = static_cast<double>(i) / kFull * opacity;
+        for (std::size_t c = 0; c < kChannels; ++c)
+            for (std::size_t value = 0; value < 256; ++value)
+                full_[c][value] =
+                    Mixed(colour_[c], static_cast<std::uint8_t>(value), shares_[kFull]);
     }
 
     /// Lays ink on pixels in a row, for each as much as the mask says.
-    void Lay(const std::uint8_t* mask, int count, std::uint8_t* pixels) const {
+    void Lay(const std::uint8_t* mask, int count, std::uint8_t* pixel) const {
         for (int x = 0; x < count;) {
-            if (count - x >= kGroup && IsZero(mask + x)) {
-                x += kGroup;
+            if (count - x >= 8 && IsZero(mask + x)) {
+                x += 8;
                 continue;
             }
-            int end = x + std::min(count - x, kGroup);
-            while (end - x < kPiece && count - end >= kGroup && !IsZero(mask + end)) end += kGroup;
-            LayPiece(mask + x, end - x, pixels + static_cast<std::ptrdiff_t>(x) * kChannels);
-            x = end;
+            const int end = std::min(x + 8, count);
+            for (; x < end; ++x)
+                LayOne(mask[x], pixel + static_cast<std::ptrdiff_t>(x) * kChannels);
         }
     }
 
   private:
     static constexpr std::size_t kFull = 255;
-    static constexpr int kGroup = 8;   // pixels that are passed over together where there is no ink
-    static constexpr int kPiece = 64;  // pixels that are mixed together
 
-    static bool IsZero(const std::uint8_t* group) {
+    static std::uint8_t Mixed(double colour, std::uint8_t value, double share) {
+        return static_cast<std::uint8_t>(colour * share + value * (1.0 - share) + 0.5);
+    }
+    static bool IsZero(const std::uint8_t* eight) {
         std::uint64_t all;
-        static_assert(sizeof all == kGroup);
-        std::memcpy(&all, group, sizeof all);
+        std::memcpy(&all, eight, sizeof all);
         return all == 0;
     }
-    void LayPiece(const std::uint8_t* mask, int count, std::uint8_t* pixels) const {
-        std::array<double, std::size_t{kPiece} * kChannels> shares;
-        for (int x = 0; x < count; ++x)
-            std::fill_n(shares.data() + std::ptrdiff_t{x} * kChannels, kChannels, shares_[mask[x]]);
-        MixBytes(colours_.data(), shares.data(), count * kChannels, pixels);
+    void LayOne(std::uint8_t ink, std::uint8_t* pixel) const {
+        if (ink == kFull) {
+            for (std::size_t c = 0; c < kChannels; ++c) pixel[c] = full_[c][pixel[c]];
+        } else if (ink != 0) {
+            for (std::size_t c = 0; c < kChannels; ++c)
+                pixel[c] = Mixed(colour_[c], pixel[c], shares_[ink]);
+        }
     }
 
-    std::array<double, std::size_t{kPiece} * kChannels> colours_;  // of the ink, byte by byte
-    std::array<double, 256> shares_;                               // of it, by the ink on a pixel
+    std::array<double, kChannels> colour_;
+    std::array<double, 256> shares_;  // of the colour, by the ink on a pixel
+    std::array<std::array<std::uint8_t, 256>, kChannels> full_;
 };
 
 // Pixels of the mask that is drawn and laid on the picture at once.
@@ -185,16 +175,14 @@ bool DrawText(ImageView image, std::string_view text, const TextFont& font, Rect
     const CairoContext cr(cairo_create(mask.get()));
     cairo_set_antialias(
         cr.get(), smoothing == Smoothing::Aliased ? CAIRO_ANTIALIAS_NONE : CAIRO_ANTIALIAS_GRAY);
-    const Inker inker(colour, std::clamp(opacity, 0.0, 1.0), smoothing);
+    const Inker inker(colour, std::clamp(opacity, 0.0, 1.0));
     for (int top = ink.top; top < ink.bottom; top += height)
         for (int left = ink.left; left < ink.right; left += width) {
             const Rect part{left, top, std::min(left + width, ink.right),
                             std::min(top + height, ink.bottom)};
-            if (top > ink.top || left > ink.left) {  // a new surface is clear
-                cairo_set_operator(cr.get(), CAIRO_OPERATOR_CLEAR);
-                cairo_paint(cr.get());
-                cairo_set_operator(cr.get(), CAIRO_OPERATOR_OVER);
-            }
+            cairo_set_operator(cr.get(), CAIRO_OPERATOR_CLEAR);
+            cairo_paint(cr.get());
+            cairo_set_operator(cr.get(), CAIRO_OPERATOR_OVER);
             cairo_save(cr.get());
             cairo_translate(cr.get(), -left, -top);
             block->Draw(cr.get(), rect.left, rect.top, part);

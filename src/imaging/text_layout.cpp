@@ -73,12 +73,6 @@ double Nearest(double pixels) {
     return std::floor(pixels + 0.5);
 }
 
-bool HasLines(const cairo_path_t& path) {
-    for (int i = 0; i < path.num_data; i += path.data[i].header.length)
-        if (path.data[i].header.type != CAIRO_PATH_MOVE_TO) return true;
-    return false;
-}
-
 // Places every cluster (a letter and its marks) of the run at the whole pixel next to where its
 // advances lead, and its parts at whole pixels within it. `pen` is where the run begins.
 void PlaceRun(PangoGlyphString* glyphs, double& pen) {
@@ -272,12 +266,7 @@ void TextLayout::AddOutlines(cairo_t* cr, const PangoLayoutRun& run, double x, d
         cairo_save(cr);
         cairo_translate(cr, left, base);
         cairo_scale(cr, scale_, scale_);
-        if (HasLines(*outline)) {
-            cairo_append_path(cr, outline.get());
-        } else {  // a picture of a letter, in colours perhaps: what of it is not clear is ink
-            cairo_move_to(cr, 0, 0);
-            pango_cairo_show_glyph_string(cr, font, letter.get());
-        }
+        cairo_append_path(cr, outline.get());
         cairo_restore(cr);
     }
 }

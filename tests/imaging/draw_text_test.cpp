@@ -330,25 +330,6 @@ TEST_F(DrawText, AnotherFontStandsInForLettersThatTheFaceHasNot) {
     }
 }
 
-TEST_F(DrawText, LettersThatArePicturesAreInkWhereTheyAreNotClear) {
-    for (const Smoothing smoothing : kBoth)
-        for (const int height : {32, 64, 250}) {
-            const Size paper{2 * height, 2 * height};
-            const Image face =
-                WhiteOnBlack(paper, "\U0001F600", Font(-height), smoothing, height / 2, height / 4);
-            // A disc as wide as the letter, its eyes and mouth no holes.
-            const Rect ink = InkBox(face);
-            EXPECT_NEAR(ink.left, height / 2, 1 + height / 32) << height;
-            EXPECT_NEAR(ink.Extent().width, height, 1 + height / 16) << height;
-            EXPECT_NEAR(ink.Extent().height, height, 1 + height / 16) << height;
-            EXPECT_NEAR(static_cast<double>(InkSum(face)) / 255, 0.785 * height * height,
-                        0.05 * height * height);
-            if (smoothing == Smoothing::Aliased) {
-                EXPECT_EQ(RedValues(face), (std::set<int>{0, 255}));
-            }
-        }
-}
-
 TEST_F(DrawText, AFaceThatIsNotInstalledFallsBack) {
     const std::string longName(10'000, 'z');
     for (const std::string& face :

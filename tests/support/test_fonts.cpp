@@ -22,9 +22,8 @@ void SetFonts(FcConfig* config) {
 
 bool AddTestFonts() {
     FcConfig* const config = FcConfigCreate();
-    for (const char* name :
-         {"LumoTestSans.ttf", "LumoTestSans-Bold.ttf", "LumoTestSans-Oblique.ttf",
-          "LumoTestAsian.ttf", "LumoTestPictures.ttf"}) {
+    for (const char* name : {"LumoTestSans.ttf", "LumoTestSans-Bold.ttf",
+                             "LumoTestSans-Oblique.ttf", "LumoTestAsian.ttf"}) {
         const std::string path = (DataFolder() / "fonts" / name).string();
         if (!FcConfigAppFontAddFile(config, reinterpret_cast<const FcChar8*>(path.c_str())))
             std::abort();

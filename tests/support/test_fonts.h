@@ -6,8 +6,7 @@ namespace lumo::test {
 
 /// A program that asks this has no other fonts than those of tests/data/fonts, from its start on,
 /// so that text has the same pixels on every machine: "Lumo Test Sans" (book, bold, oblique; Latin,
-/// Greek, Cyrillic, Hebrew, Arabic), "Lumo Test Asian" (twenty letters) and "Lumo Test Pictures" (a
-/// face in colours, U+1F600). Always true.
+/// Greek, Cyrillic, Hebrew, Arabic) and "Lumo Test Asian" (twenty letters). Always true.
 bool HasTestFonts();
 
 /// Runs `body` on a thread for which there is no font at all.
