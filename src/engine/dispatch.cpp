@@ -12,18 +12,6 @@
 namespace lumo::engine {
 namespace {
 
-/// Shows the wait cursor for the length of a handler, on every way out.
-class WaitCursor {
-  public:
-    explicit WaitCursor(UserInterface& ui) : ui_(ui) { ui_.ShowWaitCursor(true); }
-    ~WaitCursor() { ui_.ShowWaitCursor(false); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-
-  private:
-    UserInterface& ui_;
-};
-
 const std::unordered_map<std::string_view, const Command*>& CommandsByName() {
     static const auto* const map = [] {
         auto* commands = new std::unordered_map<std::string_view, const Command*>;

@@ -264,12 +264,6 @@ void PasteCommand(CLumoscriptView& view) {
     }
 }
 
-bool IsCommandText(const CLumoscriptView& view, std::string_view clipboardText) {
-    const std::string name = ReadClipboardCommand(clipboardText).name;
-    return script::IsMarker(name) ? view.script.commands.Find(name) >= 0
-                                  : script::IsKnownCommand(name);
-}
-
 ParameterPanel ShowParameterPanel(const CLumoscriptView& view, int index) {
     const script::Script& commands = view.script.commands;
     if (index < 0 || index >= commands.Count()) return {};

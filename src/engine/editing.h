@@ -64,8 +64,6 @@ void CutCommand(CLumoscriptView& view);
 /// Inserts the command on the clipboard; one of a marker's name gives the marker its parameters.
 /// Any other text does nothing.
 void PasteCommand(CLumoscriptView& view);
-/// Whether a paste of that text would do something.
-bool IsCommandText(const CLumoscriptView& view, std::string_view clipboardText);
 
 /// What the panel says of one command.
 struct ParameterPanel {

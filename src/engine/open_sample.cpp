@@ -9,7 +9,6 @@
 #include "imaging/codecs/codec.h"
 #include "imaging/last_error.h"
 #include "io/input.h"
-#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace lumo::engine {
@@ -17,23 +16,11 @@ namespace {
 
 namespace codecs = imaging::codecs;
 
-/// Shows the hour-glass while it lives.
-class WaitCursor {
-  public:
-    explicit WaitCursor(UserInterface& ui) : ui_(ui) { ui_.ShowWaitCursor(true); }
-    ~WaitCursor() { ui_.ShowWaitCursor(false); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
+/// Boxes for metafiles that state no size of their own.
+constexpr imaging::Size kUsualHint{400, 400}, kDropHint{100, 100};
 
-  private:
-    UserInterface& ui_;
-};
-
-/// True if the file can be read and its first bytes are those of a picture.
-bool IsPictureFile(const std::string& path) {
-    const auto bytes = platform::ReadFile(path);
-    return bytes && codecs::FormatOfContent(*bytes) != codecs::Format::Unknown;
-}
+/// The places in the words of a failure: the dimensions could not be read, or the picture.
+constexpr int kNoDimensions = 1341, kNoPicture = 1342;
 
 bool SetLeft(CLumoscriptView& view, imaging::ConstImageView picture) {
     if (picture.IsEmpty()) return false;
@@ -43,26 +30,30 @@ bool SetLeft(CLumoscriptView& view, imaging::ConstImageView picture) {
     return true;
 }
 
-void ShowOpenFailure(CLumoscriptView& view, int place) {
-    view.ui.ShowMessage(
-        fmt::format("Open image failure {}: {}", place, platform::Printable(imaging::LastError())));
+/// Tells why the file was not opened, by the last error.
+void ShowOpenFailure(CLumoscriptView& view, const std::string& path, SampleFrom from) {
+    const std::string reason = imaging::LastError();
+    const bool stated = from == SampleFrom::Dialog && io::GetImageDims(path).has_value();
+    imaging::SetLastError(reason);
+    view.ui.ShowMessage(fmt::format("Open image failure {}: {}",
+                                    stated ? kNoPicture : kNoDimensions,
+                                    platform::Printable(reason)));
 }
 
 }  // namespace
 
-bool OpenSample(CLumoscriptView& view, const std::string& path) {
+bool OpenSample(CLumoscriptView& view, const std::string& path, SampleFrom from) {
     SampleImages& sample = view.sample;
     std::optional<codecs::Decoded> decoded;
     {
         const WaitCursor wait(view.ui);
-        sample.left.Reset();
-        decoded = io::OpenImageFileAndMetadata(view, path);
+        // First, so that two large pictures need not fit; but only if one can come back.
+        if (!sample.held.IsEmpty()) sample.left.Reset();
+        decoded = io::OpenImageFileAndMetadata(view, path,
+                                               from == SampleFrom::Drop ? kDropHint : kUsualHint);
     }
     if (!decoded) {
-        const std::string reason = imaging::LastError();
-        const int place = IsPictureFile(path) ? 1342 : 1341;
-        imaging::SetLastError(reason);
-        ShowOpenFailure(view, place);
+        ShowOpenFailure(view, path, from);
         if (SetLeft(view, sample.held.View())) sample.path = sample.heldPath;
         view.ui.RebuildLeftDisplay();
         view.ui.Redraw();

@@ -9,9 +9,14 @@
 
 namespace lumo::engine {
 
+/// How the user named the picture. A failure of a dropped file is told in the words of one whose
+/// dimensions could not be read, wherever it failed.
+enum class SampleFrom { Dialog, Drop };
+
 /// Opens a picture file as the sample: left image, working image and the held copy. False, after a
 /// message, if it cannot be opened; the picture held from before is the left image then.
-bool OpenSample(CLumoscriptView& view, const std::string& path);
+bool OpenSample(CLumoscriptView& view, const std::string& path,
+                SampleFrom from = SampleFrom::Dialog);
 
 /// The held image, as the sample was first opened, becomes the left image again. False without one.
 bool ReloadLeft(CLumoscriptView& view);

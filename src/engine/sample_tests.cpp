@@ -1,6 +1,7 @@
 #include "engine/sample_tests.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "engine/command.h"
 #include "engine/editing.h"
@@ -27,8 +28,24 @@ void ExecuteOnSample(CLumoscriptView& view, int index) {
     const std::string name = view.script.commands.NameAt(index);
     const std::string params = view.script.commands.ParamsAt(index);
     const Outcome outcome = ExecuteCommand(view, name, params);
+    if (outcome == Outcome::Succeeded && view.working.main.IsEmpty())
+        view.ui.ShowMessage("rgbBuf2=NULL 1");
     // A command that failed may have taken the picture away: nothing is shown of what is gone.
     if (outcome == Outcome::Succeeded || view.working.main.IsEmpty()) view.ui.RebuildRightDisplay();
+}
+
+/// The check may load subroutines that the Script calls: they stay, as a change that the user can
+/// take back and is asked about.
+bool CheckAndShowScript(CLumoscriptView& view) {
+    script::Script before = view.script.commands;
+    const bool inOrder = CheckScriptStructure(view);
+    if (view.script.commands.Count() == before.Count()) return inOrder;
+    view.script.undo = std::move(before);
+    view.script.hasUndo = true;
+    view.script.modified = true;
+    view.ui.ScriptChanged();
+    SelectCommand(view, SelectedCommand(view));
+    return inOrder;
 }
 
 void EndWalk(CLumoscriptView& view) {
@@ -57,7 +74,7 @@ bool BeginTestAll(CLumoscriptView& view) {
     if (view.run.batchRunning || IsTestAllActive(view)) return false;
     view.test.running = true;
     view.counters.fill(0);
-    if (!CheckScriptStructure(view)) return false;
+    if (!CheckAndShowScript(view)) return false;
     ResetWalk(view);
     view.run.mode = RunMode::WholeScript;
     view.ui.ClearPanel();

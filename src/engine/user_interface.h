@@ -84,4 +84,16 @@ class UserInterface {
     virtual void RunEnded() {}
 };
 
+/// Shows the wait cursor while it lives, on every way out.
+class WaitCursor {
+  public:
+    explicit WaitCursor(UserInterface& ui) : ui_(ui) { ui_.ShowWaitCursor(true); }
+    ~WaitCursor() { ui_.ShowWaitCursor(false); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+
+  private:
+    UserInterface& ui_;
+};
+
 }  // namespace lumo::engine

@@ -52,8 +52,9 @@ void Scan(CLumoscriptView& view, const std::string& path, bool recursive,
 
 /// Decodes the bytes of a file under the limits of the settings.
 platform::Result<codecs::Decoded> DecodeBytes(const settings::Settings& settings,
-                                              codecs::ByteView bytes, int type) {
-    codecs::DecodeOptions options;
+                                              codecs::ByteView bytes, int type,
+                                              const codecs::DecodeOptions& usual = {}) {
+    codecs::DecodeOptions options = usual;
     if (settings.maxPictureSide > 0)
         options.limits.maxSide = static_cast<int>(settings.maxPictureSide);
     if (settings.maxPictureMegapixels > 0)
@@ -221,14 +222,23 @@ std::optional<codecs::Decoded> OpenImageFile(const CLumoscriptView& view, const 
 }
 
 std::optional<codecs::Decoded> OpenImageFileAndMetadata(CLumoscriptView& view,
-                                                        const std::string& path) {
+                                                        const std::string& path,
+                                                        imaging::Size metafileHint) {
     const auto bytes = ReadBytes(path);
     if (!bytes) return std::nullopt;
-    auto decoded = DecodeBytes(view.settings, *bytes, TypeOf(path));
+    auto decoded = DecodeBytes(view.settings, *bytes, TypeOf(path), {.metafileHint = metafileHint});
     if (!decoded) return std::nullopt;
     view.metadata.Clear();
     ReadMetadata(view, *bytes);
     return std::move(*decoded);
+}
+
+std::optional<imaging::Size> GetImageDims(const std::string& path) {
+    const auto bytes = ReadBytes(path);
+    if (!bytes) return std::nullopt;
+    const auto size = codecs::GetImageDims(*bytes, static_cast<codecs::Format>(TypeOf(path)));
+    if (!size) return std::nullopt;
+    return *size;
 }
 
 void UpdateProgress(CLumoscriptView& view) {

@@ -62,9 +62,14 @@ int OpenNextImage(CLumoscriptView& view);
 std::optional<imaging::codecs::Decoded> OpenImageFile(const CLumoscriptView& view,
                                                       const std::string& path);
 
-/// As OpenImageFile; the markers and texts of the file go into the input stores of the view.
-std::optional<imaging::codecs::Decoded> OpenImageFileAndMetadata(CLumoscriptView& view,
-                                                                 const std::string& path);
+/// As OpenImageFile; the markers and texts of the file go into the input stores of the view. A
+/// metafile without a size of its own is drawn into the box of the hint.
+std::optional<imaging::codecs::Decoded> OpenImageFileAndMetadata(
+    CLumoscriptView& view, const std::string& path, imaging::Size metafileHint = {400, 400});
+
+/// Width and height of a picture file, from its head alone. None on failure, with the reason in
+/// imaging::LastError.
+std::optional<imaging::Size> GetImageDims(const std::string& path);
 
 /// "33% Done" in the title of the window.
 void UpdateProgress(CLumoscriptView& view);

@@ -44,10 +44,8 @@ QImage ScaledPicture(imaging::ConstImageView picture, imaging::Size size) {
     if (size == picture.Extent()) return ToQImage(picture);
     auto target = imaging::Image::TryCreate(size);
     if (!target) return {};
-    const bool enlarged = size.width > picture.Width() || size.height > picture.Height();
-    const auto filter =
-        enlarged ? imaging::ResampleFilter::Nearest : imaging::ResampleFilter::Bilinear;
-    if (!imaging::ResizeImage(picture, target->View(), filter)) return {};
+    if (!imaging::ResizeImage(picture, target->View(), imaging::ResampleFilter::Bilinear))
+        return {};
     return ToQImage(target->View());
 }
 

@@ -22,11 +22,11 @@ struct DisplayPicture {
     imaging::Size frame;   // that it was made for, in pixels of the screen
 };
 
-/// Reads the picture on the calling thread. Smaller pictures are smooth, enlarged ones show their
-/// pixels as squares. Without pixels where there is no picture or no memory.
+/// Reads the picture on the calling thread and resamples it bilinearly. Without pixels where there
+/// is no picture or no memory.
 DisplayPicture MakeDisplayPicture(imaging::ConstImageView picture, imaging::Size frame);
 
-/// The picture at exactly this size; null if the memory cannot be had.
+/// The picture at exactly this size, resampled bilinearly; null if the memory cannot be had.
 QImage ScaledPicture(imaging::ConstImageView picture, imaging::Size size);
 
 }  // namespace lumo::ui

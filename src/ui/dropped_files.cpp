@@ -18,8 +18,7 @@ Dropped KindOfDropped(std::string_view path) {
                                                        ".psd", ".wmf", ".emf", ".gif"};
     if (std::ranges::find(kImages, end) != kImages.end() || platform::IsRaw(path))
         return Dropped::Image;
-    if (end == ".whs" || end == ".sbr") return Dropped::Script;
-    return end == ".lst" ? Dropped::List : Dropped::Other;
+    return end == ".whs" ? Dropped::Script : Dropped::Other;
 }
 
 }  // namespace lumo::ui

@@ -14,8 +14,9 @@ namespace lumo::ui {
 namespace {
 
 constexpr double kMostZoom = 64, kZoomStep = 1.25;
-constexpr double kPanStep = 0.1;  // of the window
-constexpr double kSplitGrip = 8;  // around the line, in points
+constexpr double kPanStep = 0.1;     // of the window
+constexpr double kSplitStep = 0.02;  // of its width
+constexpr double kSplitGrip = 8;     // around the line, in points
 const QColor kGround(0x18, 0x18, 0x1a);
 
 imaging::Image CopyOf(imaging::ConstImageView picture) {
@@ -34,6 +35,7 @@ ImageWindow::ImageWindow(QWidget* owner, imaging::ConstImageView before,
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(QStringLiteral("Enlarged view"));
+    setAccessibleDescription(QString::fromUtf8(Keys()));
     before_.picture = CopyOf(before);
     after_.picture = CopyOf(after);
     if (before_.picture.IsEmpty()) mode_ = Show::After;
@@ -109,6 +111,23 @@ void ImageWindow::Pan(QPointF by) {
     const QRectF place = PictureRect();
     centre_ -= QPointF(by.x() / place.width(), by.y() / place.height());
     KeepInside();
+    update();
+}
+
+const char* ImageWindow::Keys() {
+    return "+ -\tzoom\n"
+           "0\tthe whole picture\n"
+           "1\tpixels one to one\n"
+           "Arrows\tpan\n"
+           "Space\tbefore or after\n"
+           "S\tbefore and after, split by a line\n"
+           "Shift+Left\tmoves the line to the left\n"
+           "Shift+Right\tmoves the line to the right\n"
+           "Esc\tcloses the view\n";
+}
+
+void ImageWindow::MoveSplit(double to) {
+    split_ = std::clamp(to, 0.0, 1.0);
     update();
 }
 
@@ -203,8 +222,7 @@ void ImageWindow::mouseMoveEvent(QMouseEvent* event) {
               : panning_             ? Qt::ClosedHandCursor
                                      : Qt::ArrowCursor);
     if (splitting_) {
-        split_ = std::clamp(at.x() / std::max(1.0, WindowPixels().width()), 0.0, 1.0);
-        update();
+        MoveSplit(at.x() / std::max(1.0, WindowPixels().width()));
     } else if (panning_) {
         Pan(at - last_);
     }
@@ -224,6 +242,11 @@ void ImageWindow::mouseDoubleClickEvent(QMouseEvent* event) {
 void ImageWindow::keyPressEvent(QKeyEvent* event) {
     const QSizeF window = WindowPixels();
     const QPointF middle(window.width() / 2, window.height() / 2);
+    const bool sideways = event->key() == Qt::Key_Left || event->key() == Qt::Key_Right;
+    if (mode_ == Show::Split && sideways && event->modifiers() == Qt::ShiftModifier) {
+        MoveSplit(split_ + (event->key() == Qt::Key_Left ? -kSplitStep : kSplitStep));
+        return;
+    }
     switch (event->key()) {
         case Qt::Key_Plus:
         case Qt::Key_Equal:

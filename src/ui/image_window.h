@@ -9,8 +9,8 @@ namespace lumo::ui {
 
 /// The sample enlarged, in a window of its own: before, after, or both on either side of a line
 /// that can be dragged. The wheel and + - zoom around the pointer, dragging and the arrow keys pan,
-/// 0 fits the picture into the window, 1 shows its pixels one to one, S splits, Space changes
-/// between before and after, Escape closes.
+/// 0 fits the picture into the window, 1 shows its pixels one to one, S splits, Shift with the left
+/// and right arrow keys moves the line, Space changes between before and after, Escape closes.
 class ImageWindow : public QWidget {
     Q_OBJECT
 
@@ -20,6 +20,9 @@ class ImageWindow : public QWidget {
     /// Takes copies of both pictures; either may be empty.
     ImageWindow(QWidget* owner, imaging::ConstImageView before, imaging::ConstImageView after,
                 Show show);
+
+    /// Its keys in lines of key and meaning, parted by a tab.
+    static const char* Keys();
 
     double Zoom() const { return zoom_; }
     Show Mode() const { return mode_; }
@@ -50,6 +53,7 @@ class ImageWindow : public QWidget {
     void Pan(QPointF by);
     void KeepInside();
     double SplitX() const;
+    void MoveSplit(double to);
     static void PaintLayer(QPainter& painter, Layer& layer, const QRectF& place,
                            const QRectF& visible);
     void PaintLegend(QPainter& painter);

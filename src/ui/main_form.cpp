@@ -50,6 +50,7 @@ MainForm::MainForm(QWidget* parent) : QWidget(parent) {
     filter = new QLineEdit(this);
     filter->setPlaceholderText(QStringLiteral("Filter commands"));
     filter->setClearButtonEnabled(true);
+    filter->setAcceptDrops(false);  // a file that is dropped here is for the window, as anywhere
     Describe(filter, hints::kFilter, QStringLiteral("Filter commands"));
     tree = new CommandTree(this);
     Describe(tree, hints::kTree, QStringLiteral("Commands"));

@@ -335,20 +335,17 @@ void MainWindow::UpdateRecent() {
 }
 
 void MainWindow::UpdateActions() {
+    QWidget* const focus = focusWidget();  // before anything is closed
     const bool walking = IsWalking();
     const bool busy = controlsClosed_ || running_ || walking;
     const QString why = walking ? QStringLiteral("while the script is tried on the sample")
                                 : QStringLiteral("while a batch run lasts");
-    for (const Act act : {Act::NewScript,      Act::OpenScript,
-                          Act::SaveScript,     Act::SaveScriptAs,
-                          Act::LoadSubroutine, Act::SaveSubroutineAs,
-                          Act::EditSubroutine, Act::OpenSubroutineAsScript,
-                          Act::NewSubroutine,  Act::Paste,
-                          Act::OpenImage,      Act::KeepErrorLog,
-                          Act::KeepBatchLog,   Act::KeepDebugLog,
-                          Act::ShowEachImage,  Act::Preferences,
-                          Act::Writer,         Act::Reader,
-                          Act::EmptyTemp,      Act::SetDefaultImage})
+    for (const Act act :
+         {Act::NewScript, Act::OpenScript, Act::SaveScript, Act::SaveScriptAs, Act::LoadSubroutine,
+          Act::SaveSubroutineAs, Act::EditSubroutine, Act::OpenSubroutineAsScript,
+          Act::NewSubroutine, Act::Paste, Act::OpenImage, Act::KeepErrorLog, Act::KeepBatchLog,
+          Act::KeepDebugLog, Act::ShowEachImage, Act::Preferences, Act::Writer, Act::Reader,
+          Act::EmptyTemp})
         actions_.Enable(act, !busy, why);
 
     const engine::EditButtons may = engine::UpdateButtons(view_);
@@ -375,18 +372,33 @@ void MainWindow::UpdateActions() {
     edit(Act::CopyToLeft, hasRight, kNoImage);
     edit(Act::SaveRightImage, hasRight, kNoImage);
     edit(Act::SaveLeftImage, hasLeft, kNoImage);
+    edit(Act::SetDefaultImage, hasLeft, kNoImage);
     edit(Act::FullScreenLeft, hasLeft, kNoImage);
     edit(Act::FullScreenRight, hasRight, kNoImage);
     for (const Act act : {Act::ImageInfo, Act::FileProperties, Act::ExifInfo, Act::IptcInfo})
         edit(act, hasLeft, kNoImage);
     actions_.Enable(Act::RunBatch, !walking, why);
 
-    menus_.addCommands->setEnabled(!busy);
-    menus_.scripts->SetEnabled(!busy);
-    menus_.pictures->SetEnabled(!busy);
-    form_->scriptList->setEnabled(!busy);
-    form_->leftFrame->setEnabled(!busy);
-    form_->rightFrame->setEnabled(!busy);
+    EnableAddCommands(menus_, !busy, why);
+    menus_.scripts->SetEnabled(!busy, why);
+    menus_.pictures->SetEnabled(!busy, why);
+    CloseAreas(busy, focus);
+}
+
+/// A control that is closed loses the keyboard; it gets it back, unless the user has taken it
+/// elsewhere meanwhile.
+void MainWindow::CloseAreas(bool busy, QWidget* focus) {
+    for (QWidget* area :
+         {static_cast<QWidget*>(form_->scriptList), static_cast<QWidget*>(form_->leftFrame),
+          static_cast<QWidget*>(form_->rightFrame)})
+        area->setEnabled(!busy);
+    if (busy && focus && !focus->isEnabled()) {
+        focusLost_ = focus;
+        focusTaken_ = focusWidget();
+    } else if (!busy && focusLost_) {
+        if (focusWidget() == focusTaken_) focusLost_->setFocus();
+        focusLost_.clear();
+    }
 }
 
 }  // namespace lumo::ui

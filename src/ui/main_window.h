@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QTimer>
 
 #include "engine/view.h"
@@ -100,6 +101,7 @@ class MainWindow : public QMainWindow, private Screen {
 
     void StartUp();
     void UpdateActions();
+    void CloseAreas(bool busy, QWidget* focus);
     void UpdateTitle();
     void UpdateCaptions();
     void UpdateRecent();
@@ -119,6 +121,8 @@ class MainWindow : public QMainWindow, private Screen {
     QString rightSize_;
     Side infoSide_ = Side::Right;  // the frame that was asked about last
     bool screenWatched_ = false;
+    // What had the keyboard until a run or a walk closed it, and what took it over.
+    QPointer<QWidget> focusLost_, focusTaken_;
     bool running_ = false;
     bool starting_ = false;
     bool controlsClosed_ = false;

@@ -225,6 +225,11 @@ void MainWindow::BindOtherActions() {
                     VisibleText(action->text()) + QLatin1Char('\n');
         }
         text += QStringLiteral("A").leftJustified(16) + QStringLiteral("ends Test All\n");
+        text += QStringLiteral("\nIn the enlarged view\n");
+        for (const QString& line :
+             QString::fromUtf8(ImageWindow::Keys()).split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+            text += line.section(QLatin1Char('\t'), 0, 0).leftJustified(16) +
+                    line.section(QLatin1Char('\t'), 1) + QLatin1Char('\n');
         ShowTextWindow(this, QStringLiteral("Keyboard"), FromQt(text));
     });
     actions_.Bind(Act::About, [this] {
@@ -300,7 +305,7 @@ void MainWindow::ShowTextFileOf(std::string_view title, std::string_view filter,
     const auto path =
         AskOpenPath(desk_, {.title = title, .filter = filter, .folder = std::move(folder)});
     if (!path) return;
-    if (path->ends_with(".lst")) {
+    if (ToQt(*path).endsWith(QLatin1String(".lst"), Qt::CaseInsensitive)) {
         settings::AddRecentList(view_.settings, *path);
         UpdateRecent();
     }
@@ -381,13 +386,10 @@ void MainWindow::OpenDropped(const std::string& path) {
         case Dropped::Nothing:
             return;
         case Dropped::Image:
-            OpenSamplePath(desk_, path);
+            OpenSamplePath(desk_, path, engine::SampleFrom::Drop);
             break;
         case Dropped::Script:
             files_.OpenPath(path, "Unable to find or open named script file, check file path?");
-            break;
-        case Dropped::List:
-            EditList(path);
             break;
         case Dropped::Other:
             Tell(desk_, "Unsupported file type!", "Dropped files");

@@ -10,6 +10,12 @@
 namespace lumo::ui {
 namespace {
 
+constexpr char kHintProperty[] = "hint";
+
+QString WithReason(const QString& hint, bool enabled, const QString& reason) {
+    return enabled ? hint : QStringLiteral("%1 (%2)").arg(hint, reason);
+}
+
 /// An action, or a separator.
 constexpr Act kSeparator = Act::Count;
 
@@ -48,8 +54,10 @@ class CommandMenus {
   private:
     void AddItem(QMenu* menu, const script::CatalogueRow& row, const QString& text) {
         QAction* item = menu->addAction(Literally(text));
-        item->setStatusTip(
-            QStringLiteral("Adds the command \"%1\" below the selected one.").arg(ToQt(row.name)));
+        const QString hint =
+            QStringLiteral("Adds the command \"%1\" below the selected one.").arg(ToQt(row.name));
+        item->setStatusTip(hint);
+        item->setProperty(kHintProperty, hint);
         item->setProperty("hasDeed", true);
         group_->addAction(item);
         const std::string_view name = row.name;
@@ -98,15 +106,31 @@ void RecentItems::Show(const settings::RecentFiles& files) {
         QString text = Literally(ToQt(settings::RecentMenuText(static_cast<int>(i) + 1, files[i])));
         if (there) text.prepend(QLatin1Char('&'));
         items_[i]->setText(text);
-        items_[i]->setStatusTip(hint_.arg(ToQt(files[i])));
+        hints_[i] = hint_.arg(ToQt(files[i]));
         items_[i]->setEnabled(there && enabled_);
     }
     separator_->setVisible(any);
+    ShowHints();
 }
 
-void RecentItems::SetEnabled(bool enabled) {
+void RecentItems::SetEnabled(bool enabled, const QString& reason) {
     enabled_ = enabled;
+    reason_ = reason;
     for (QAction* item : items_) item->setEnabled(enabled && item->isVisible());
+    ShowHints();
+}
+
+void RecentItems::ShowHints() {
+    for (std::size_t i = 0; i < items_.size(); ++i)
+        items_[i]->setStatusTip(WithReason(hints_[i], enabled_, reason_));
+}
+
+void EnableAddCommands(const Menus& menus, bool enabled, const QString& reason) {
+    QActionGroup* group = menus.addCommands;
+    if (group->isEnabled() == enabled) return;  // hundreds of items, asked for at each selection
+    group->setEnabled(enabled);
+    for (QAction* item : group->actions())
+        item->setStatusTip(WithReason(item->property(kHintProperty).toString(), enabled, reason));
 }
 
 Menus BuildMenus(QMainWindow& window, const Actions& actions, const MenuDeeds& deeds) {

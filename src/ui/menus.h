@@ -21,12 +21,16 @@ class RecentItems : public QObject {
     RecentItems(QMenu* menu, const QString& hint, std::function<void(int)> open);
 
     void Show(const settings::RecentFiles& files);
-    void SetEnabled(bool enabled);
+    /// `reason` is added to the hints of items that cannot be had.
+    void SetEnabled(bool enabled, const QString& reason);
 
   private:
+    void ShowHints();
+
     std::array<QAction*, 4> items_{};
+    std::array<QString, 4> hints_;
     QAction* separator_;
-    QString hint_;
+    QString hint_, reason_;
     bool enabled_ = true;
 };
 
@@ -45,6 +49,8 @@ struct Menus {
 };
 
 Menus BuildMenus(QMainWindow& window, const Actions& actions, const MenuDeeds& deeds);
+/// Opens or closes all items that add a command; `reason` is added to the hints of closed ones.
+void EnableAddCommands(const Menus& menus, bool enabled, const QString& reason);
 void BuildToolBar(QToolBar& bar, const Actions& actions);
 
 /// Context menus; they delete themselves when they close.

@@ -12,6 +12,14 @@ namespace {
 
 constexpr int kTickMilliseconds = 500;
 constexpr int kStatusRow = 5;
+constexpr char kCaptionProperty[] = "caption";
+
+/// The value is spoken with its caption.
+void ShowValue(QLabel* value, const QString& text) {
+    value->setText(text);
+    value->setAccessibleName(value->property(kCaptionProperty).toString() + QLatin1Char(' ') +
+                             text);
+}
 
 QString TimeText(qint64 milliseconds) {
     const qint64 seconds = milliseconds / 1000;
@@ -42,7 +50,7 @@ ProgressPanel::ProgressPanel(QWidget* parent) : QGroupBox(QStringLiteral("Progre
     remaining_ = AddCount(QStringLiteral("Remaining:"), 3, 2);
     remainingCaption_ = static_cast<QLabel*>(grid->itemAtPosition(3, 2)->widget());
     status_ = new ElidedLabel(this);
-    status_->setAccessibleName(QStringLiteral("Status"));
+    status_->setProperty(kCaptionProperty, QStringLiteral("Status:"));
     grid->addWidget(status_, kStatusRow, 0, 1, 4);
     grid->setRowStretch(kStatusRow + 1, 1);
     SetNarrow(false);
@@ -59,7 +67,7 @@ QLabel* ProgressPanel::AddCount(const QString& caption, int row, int column) {
     auto* value = new QLabel(this);
     label->setMinimumSize(1, 1);
     value->setMinimumSize(1, 1);
-    value->setAccessibleName(caption);
+    value->setProperty(kCaptionProperty, caption);
     value->setTextFormat(Qt::PlainText);
     grid->addWidget(label, row, column);
     grid->addWidget(value, row, column + 1);
@@ -90,15 +98,15 @@ void ProgressPanel::End() {
     bar_->setRange(0, std::max(1, counts_.totalInput));
     bar_->setValue(counts_.current);
     ShowTimes();
-    remaining_->clear();
+    ShowValue(remaining_, {});
 }
 
 void ProgressPanel::ShowCounts(const engine::RunCounts& counts) {
     counts_ = counts;
-    total_->setNum(counts.totalInput);
-    current_->setNum(counts.current);
-    saved_->setNum(counts.saved);
-    errors_->setNum(counts.errors);
+    ShowValue(total_, QString::number(counts.totalInput));
+    ShowValue(current_, QString::number(counts.current));
+    ShowValue(saved_, QString::number(counts.saved));
+    ShowValue(errors_, QString::number(counts.errors));
     if (counts.totalInput > 0) {
         bar_->setRange(0, counts.totalInput);
         bar_->setValue(std::max(0, counts.current - 1));
@@ -107,17 +115,17 @@ void ProgressPanel::ShowCounts(const engine::RunCounts& counts) {
 
 void ProgressPanel::ShowTimes() {
     const qint64 elapsed = clock_.isValid() ? clock_.elapsed() : 0;
-    elapsed_->setText(TimeText(elapsed));
+    ShowValue(elapsed_, TimeText(elapsed));
     const int done = counts_.current - 1;
     if (done <= 0 || counts_.totalInput <= done) {
-        remaining_->clear();
+        ShowValue(remaining_, {});
         return;
     }
-    remaining_->setText(TimeText(elapsed / done * (counts_.totalInput - done)));
+    ShowValue(remaining_, TimeText(elapsed / done * (counts_.totalInput - done)));
 }
 
 void ProgressPanel::SetStatus(const QString& text) {
-    status_->setText(text);
+    ShowValue(status_, text);
 }
 QString ProgressPanel::Status() const {
     return status_->text();

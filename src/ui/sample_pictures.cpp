@@ -4,7 +4,6 @@
 
 #include <numeric>
 
-#include "engine/open_sample.h"
 #include "imaging/last_error.h"
 #include "io/output.h"
 #include "platform/environment.h"
@@ -47,8 +46,8 @@ void OpenSampleImage(const Desk& desk) {
     if (picked) OpenSamplePath(desk, *picked);
 }
 
-bool OpenSamplePath(const Desk& desk, const std::string& path) {
-    if (!engine::OpenSample(desk.view, path)) return false;
+bool OpenSamplePath(const Desk& desk, const std::string& path, engine::SampleFrom from) {
+    if (!engine::OpenSample(desk.view, path, from)) return false;
     settings::AddRecentPicture(desk.view.settings, path);
     return true;
 }

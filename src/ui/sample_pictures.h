@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "engine/open_sample.h"
 #include "ui/desk.h"
 
 namespace lumo::ui {
@@ -13,7 +14,8 @@ enum class Side { Left, Right };
 /// "Open...": asks for a picture file and opens it as the sample.
 void OpenSampleImage(const Desk& desk);
 /// Opens it without a dialog and puts it first among the recent pictures.
-bool OpenSamplePath(const Desk& desk, const std::string& path);
+bool OpenSamplePath(const Desk& desk, const std::string& path,
+                    engine::SampleFrom from = engine::SampleFrom::Dialog);
 /// Opens entry n of the recent pictures; one that cannot be opened loses its place.
 void OpenRecentPicture(const Desk& desk, int n);
 

@@ -91,12 +91,12 @@ void ScriptFiles::Open() {
 }
 
 bool ScriptFiles::OpenPath(const std::string& path, std::string_view failure) {
-    if (!MayLeaveScript()) return false;
+    return MayLeaveScript() && Load(path, failure);
+}
+
+bool ScriptFiles::Load(const std::string& path, std::string_view failure) {
     engine::CLumoscriptView& view = desk_.view;
-    script::Script before = view.script.commands;
     if (!engine::OpenScript(view, path, failure)) return false;
-    view.script.undo = std::move(before);
-    view.script.hasUndo = true;
     NoteSaved();
     settings::AddRecentScript(view.settings, path);
     view.ui.ScriptChanged();
@@ -108,8 +108,7 @@ void ScriptFiles::OpenRecent(int n) {
     settings::RecentFiles& recent = desk_.view.settings.recentScripts;
     const std::string path = recent[static_cast<std::size_t>(n - 1)];
     if (path.empty() || !MayLeaveScript()) return;
-    NoteSaved();  // what was to be asked has been asked
-    if (!OpenPath(path, settings::RecentScriptFailure(n))) settings::RemoveRecent(recent, n);
+    if (!Load(path, settings::RecentScriptFailure(n))) settings::RemoveRecent(recent, n);
 }
 
 bool ScriptFiles::Write(const std::string& path, bool asSubroutine) {

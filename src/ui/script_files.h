@@ -34,6 +34,7 @@ class ScriptFiles {
     void OpenSubroutineAsScript();
 
   private:
+    bool Load(const std::string& path, std::string_view failure);
     bool Write(const std::string& path, bool asSubroutine);
     void Replace(script::Script commands, bool hasFile, std::string path, std::string caption);
     std::optional<std::string> AskSubroutine() const;

@@ -7,6 +7,7 @@
 
 #include "imaging/codecs/codec.h"
 #include "imaging/last_error.h"
+#include "support/codec_files.h"
 #include "support/test_files.h"
 #include "support/test_images.h"
 
@@ -105,6 +106,42 @@ TEST(Decode, TheReasonOfAFailureIsTheLastError) {
     EXPECT_EQ(LastError(), "the file is empty");
     EXPECT_FALSE(Decode(BytesOf("\xff\xd8\xff"), Format::Jpeg));
     EXPECT_THAT(LastError(), StartsWith("JPG: "));
+}
+
+TEST(GetImageDims, ReadsTheHeadOfEveryFormat) {
+    for (const auto& [format, file] : Samples()) {
+        const auto size = GetImageDims(file, Format::Unknown);
+        ASSERT_TRUE(size) << int(format);
+        EXPECT_EQ(*size, (Size{9, 7})) << int(format);
+    }
+    const Bytes tga = *EncodeTga(test::CoordinateImage({9, 7}).View());
+    EXPECT_EQ(*GetImageDims(tga, Format::Tga), (Size{9, 7}));
+}
+
+TEST(GetImageDims, NeedsTheHeadAloneAndFailsWithoutOne) {
+    const Bytes head = test::HeadOfPng(test::CoordinateImage({9, 7}).View());
+    ASSERT_FALSE(Decode(head, Format::Unknown));
+    EXPECT_EQ(*GetImageDims(head, Format::Unknown), (Size{9, 7}));
+    EXPECT_FALSE(GetImageDims(ByteView(head).first(8 + 12), Format::Unknown));
+    EXPECT_FALSE(GetImageDims({}, Format::Png));
+    EXPECT_FALSE(GetImageDims(BytesOf("words"), Format::Jpeg));
+}
+
+TEST(GetImageDims, TellsASizeThatIsNotAllowed) {
+    Bytes bmp = *EncodeBmp(test::CoordinateImage({9, 7}).View());
+    bmp[18 + 2] = 0x10;  // a width of 9 + 0x100000
+    ASSERT_FALSE(Decode(bmp, Format::Unknown));
+    EXPECT_EQ(*GetImageDims(bmp, Format::Unknown), (Size{0x100009, 7}));
+}
+
+TEST(RefuseSize, NotesTheFirstSizeThatItIsAskedAbout) {
+    Size stated;
+    const DecodeLimits limits{.stated = &stated};
+    EXPECT_NE(RefuseSize(0, 5, 3, limits), "");
+    EXPECT_EQ(stated, Size{});
+    EXPECT_EQ(RefuseSize(4, 5, 3, limits), "");
+    EXPECT_EQ(RefuseSize(6, 7, 3, limits), "");
+    EXPECT_EQ(stated, (Size{4, 5}));
 }
 
 TEST(RefuseSize, HoldsEachLimitToThePixel) {

@@ -11,12 +11,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-struct CountingInterface : test::RecordingInterface {
-    void RebuildRightDisplay() override { ++rebuilds; }
-    void Redraw() override { ++redraws; }
-    int rebuilds = 0, redraws = 0;
-};
-
 class CopyLeft : public testing::Test {
   protected:
     CopyLeft() {
@@ -27,7 +21,7 @@ class CopyLeft : public testing::Test {
         return static_cast<bool>(test::SamePixels(view.working.main, test::CoordinateImage(size)));
     }
 
-    CountingInterface ui;
+    test::RecordingInterface ui;
     CLumoscriptView view{ui};
 };
 
@@ -37,7 +31,7 @@ TEST_F(CopyLeft, TakesPixelsLabelAndSizeAndShowsThem) {
     EXPECT_TRUE(MainIs({20, 10}));
     EXPECT_EQ(view.sample.rightDepthLabel, "8 bit");
     EXPECT_THAT(ui.sizeTexts, ElementsAre("20x10"));
-    EXPECT_EQ(ui.rebuilds, 1);
+    EXPECT_EQ(ui.rightDisplays, 1);
     EXPECT_EQ(ui.redraws, 1);
     EXPECT_TRUE(test::SamePixels(view.sample.left, test::CoordinateImage({20, 10})));
 }
@@ -63,7 +57,7 @@ TEST_F(CopyLeft, ChangesNothingWithoutASample) {
     EXPECT_FALSE(CopyLeftToMain(view, Force::Yes));
     EXPECT_TRUE(MainIs({7, 5}));
     EXPECT_THAT(ui.sizeTexts, IsEmpty());
-    EXPECT_EQ(ui.rebuilds + ui.redraws, 0);
+    EXPECT_EQ(ui.rightDisplays + ui.redraws, 0);
 }
 
 TEST_F(CopyLeft, ChangesNothingWhileABatchRunsUnlessForced) {

@@ -16,6 +16,13 @@ using imaging::codecs::Bytes;
 using imaging::codecs::Decoded;
 using platform::Result;
 
+Bytes HeadOfPng(imaging::ConstImageView picture) {
+    Bytes png = *imaging::codecs::EncodePng(picture, {});
+    constexpr std::string_view kPixels = "IDAT";
+    png.erase(std::ranges::search(png, kPixels).end(), png.end());
+    return png;
+}
+
 Bytes BytesOf(std::initializer_list<int> values) {
     Bytes bytes;
     for (const int value : values) bytes.push_back(static_cast<std::uint8_t>(value));

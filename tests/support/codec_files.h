@@ -25,6 +25,9 @@ using Encoder = platform::Result<imaging::codecs::Bytes> (*)(imaging::ConstImage
 imaging::codecs::Bytes BytesOf(std::initializer_list<int> values);
 imaging::codecs::Bytes Joined(std::initializer_list<imaging::codecs::Bytes> parts);
 
+/// A PNG that ends where its pixels would begin: it tells the dimensions, and is no picture.
+imaging::codecs::Bytes HeadOfPng(imaging::ConstImageView picture);
+
 /// All pixels, row by row from the top. A refusal counts as a failed test and gives none.
 Pixels PixelsOf(const platform::Result<imaging::codecs::Decoded>& result);
 

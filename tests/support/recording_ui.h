@@ -47,7 +47,14 @@ class RecordingInterface : public engine::UserInterface {
     }
     void SetClipboardText(std::string_view text) override { clipboard = text; }
     std::string ClipboardText() override { return clipboard; }
+    void ClearPanel() override { ++panelsCleared; }
+    void RebuildLeftDisplay() override { ++leftDisplays; }
     void RebuildRightDisplay() override { ++rightDisplays; }
+    void Redraw() override { ++redraws; }
+    void ShowWaitCursor(bool on) override {
+        waiting += on ? 1 : -1;
+        waits += on ? 1 : 0;
+    }
     void StartTimer2(int milliseconds) override { timers.push_back(milliseconds); }
     void Play(engine::Sound sound) override {
         ++sounds;
@@ -67,7 +74,9 @@ class RecordingInterface : public engine::UserInterface {
     std::string clipboard;
     engine::RunCounts lastCounts;
     std::vector<engine::Sound> played;
-    int rightDisplays = 0, scriptChanges = 0, sounds = 0, runsEnded = 0, quits = 0;
+    int leftDisplays = 0, rightDisplays = 0, redraws = 0, panelsCleared = 0;
+    int waiting = 0, waits = 0;  // wait cursors that are shown, and that were
+    int scriptChanges = 0, sounds = 0, runsEnded = 0, quits = 0;
 
   private:
     bool NextAnswer() {

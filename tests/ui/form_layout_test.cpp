@@ -5,6 +5,8 @@
 #include <QLabel>
 #include <QPushButton>
 
+#include "imaging/resample.h"
+#include "support/test_images.h"
 #include "ui/display_picture.h"
 #include "ui/elided_label.h"
 #include "ui/image_frame.h"
@@ -97,6 +99,20 @@ TEST(FitIntoFrame, KeepsTheShapeInTruncatedWholeNumbers) {
     EXPECT_EQ(FitIntoFrame({1, 65500}, {104, 100}), (Size{1, 96}));
     EXPECT_EQ(FitIntoFrame({0, 0}, {104, 100}), (Size{}));
     EXPECT_EQ(FitIntoFrame({10, 10}, {2, 2}), (Size{1, 1}));
+}
+
+TEST(DisplayPicture, IsBilinearWhetherItGrowsOrShrinks) {
+    for (const imaging::Size size : {imaging::Size{3, 2}, {640, 333}}) {
+        const imaging::Image picture = test::RandomImage(size, 7);
+        const DisplayPicture shown = MakeDisplayPicture(picture.View(), {104, 90});
+        EXPECT_EQ(shown.source, size);
+        const imaging::Size fit = FitIntoFrame(size, {104, 90});
+        auto expected = *imaging::Image::TryCreate(fit);
+        ASSERT_TRUE(imaging::ResizeImage(picture.View(), expected.View(),
+                                         imaging::ResampleFilter::Bilinear));
+        EXPECT_EQ(shown.pixels, ToQImage(expected.View())) << size.width;
+    }
+    EXPECT_TRUE(MakeDisplayPicture({}, {104, 90}).pixels.isNull());
 }
 
 TEST(FileFilter, SpeaksQt) {

@@ -1,15 +1,20 @@
 // What the menus, buttons and hints of the window say, letter for letter, and that each of them
 // does something or tells why not.
 
+#include <QGroupBox>
+#include <QHelpEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QToolTip>
 #include <map>
 #include <set>
 
-#include "engine/open_sample.h"
+#include "engine/editing.h"
 #include "script/catalogue.h"
 #include "ui/command_tree.h"
 #include "ui/image_frame.h"
@@ -197,6 +202,66 @@ TEST_F(MenuTest, ControlsHaveTheirTextsAndHints) {
     EXPECT_EQ(FromQt(form.panel->title()), "Selected Cmd info");
 }
 
+TEST_F(MenuTest, TheHintOfTheControlUnderThePointerIsShown) {
+    const MainForm& form = Form();
+    EXPECT_EQ(FromQt(form.imageGroup->toolTip()),
+              "Single sample image is displayed and operated on in this area.");
+    QWidget* panelLine = form.panel->findChild<QLabel*>();
+    const std::pair<QWidget*, const QWidget*> controls[] = {
+        {form.imageGroup, form.imageGroup},
+        {form.leftFrame, form.leftFrame},
+        {form.rightFrame, form.rightFrame},
+        {form.copyToLeft, form.copyToLeft},
+        {form.copyToRight, form.copyToRight},
+        {form.open, form.open},
+        {form.reload, form.reload},
+        {form.testOne, form.testOne},
+        {form.runOnSample, form.runOnSample},
+        {form.testAll, form.testAll},
+        {form.saveAs, form.saveAs},
+        {form.run, form.run},
+        {panelLine, form.panel},
+        {form.add, form.add},
+        {form.swapUp, form.swapUp},  // disabled, as START is selected
+        {form.swapDown, form.swapDown},
+        {form.edit, form.edit},
+        {form.remove, form.remove},
+        {form.tree->viewport(), form.tree},
+        {form.scriptList->viewport(), form.scriptList},
+    };
+    std::set<QString> hints;
+    for (const auto& [under, owner] : controls) {
+        const QString hint = owner->toolTip();
+        ASSERT_FALSE(hint.isEmpty());
+        EXPECT_TRUE(hints.insert(hint).second) << FromQt(hint);
+        const QPoint at = under->rect().center();
+        QHelpEvent help(QEvent::ToolTip, at, under->mapToGlobal(at));
+        QApplication::sendEvent(under, &help);
+        EXPECT_EQ(FromQt(QToolTip::text()), FromQt(hint));
+        EXPECT_EQ(owner->statusTip(), hint);
+    }
+    EXPECT_EQ(hints.size(), 20U);
+}
+
+TEST_F(MenuTest, WithoutASampleNothingIsClaimedAboutOne) {
+    View().sample.left.Reset();
+    engine::SelectCommand(View(), 0);
+    for (const Act act : {Act::SetDefaultImage, Act::FileProperties, Act::ImageInfo,
+                          Act::FullScreenLeft, Act::SaveLeftImage, Act::RunOnSample}) {
+        EXPECT_FALSE(Action(act)->isEnabled()) << TextOf(Action(act));
+        EXPECT_THAT(FromQt(Action(act)->statusTip()), testing::EndsWith("(there is no image)"));
+    }
+}
+
+TEST_F(MenuTest, TheKeysOfTheEnlargedViewAreListed) {
+    Trigger(Act::Keys);
+    const auto texts = Window().findChildren<QPlainTextEdit*>();
+    ASSERT_EQ(texts.size(), 1);
+    const std::string text = FromQt(texts.front()->toPlainText());
+    EXPECT_THAT(text, HasSubstr("ends Test All"));
+    EXPECT_THAT(text, HasSubstr("S               before and after, split by a line"));
+}
+
 TEST_F(MenuTest, EveryControlCanBeNamedAndReachedByTab) {
     std::set<QWidget*> reached;
     QWidget* at = Form().filter;
@@ -215,7 +280,7 @@ TEST_F(MenuTest, EveryControlCanBeNamedAndReachedByTab) {
         EXPECT_EQ(reached.count(control), 1U) << FromQt(control->accessibleName());
 }
 
-TEST_F(MenuTest, FrameMenuHasItsItems) {
+TEST_F(MenuTest, ContextMenusHaveTheirItems) {
     Q_EMIT Form().rightFrame->customContextMenuRequested({5, 5});
     auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
     ASSERT_NE(menu, nullptr);
@@ -223,6 +288,14 @@ TEST_F(MenuTest, FrameMenuHasItsItems) {
                 ElementsAre("Full screen", "Image info", "File properties",
                             "camera/scanner EXIF info (JPGs)", "Image IPTC/JPG_COM info (JPGs)",
                             "Set as default on startup", "Open...", "Reload"));
+    menu->close();
+    Q_EMIT Form().scriptList->customContextMenuRequested({5, 5});
+    menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(menu, nullptr);
+    EXPECT_THAT(ItemsOf(menu), ElementsAre("Edit Cmd...", "Delete", "Swap Up", "Swap Down", "Undo",
+                                           "Cut (cmd to clipboard)", "Copy (cmd to clipboard)",
+                                           "Paste (cmd from clipboard)", "Test (1)", "New script",
+                                           "Open script...", "Save script", "SaveAs..."));
     menu->close();
     Q_EMIT Form().tree->customContextMenuRequested({5, 5});
     menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());

@@ -1,6 +1,9 @@
 // Batch runs from the window: start, questions, abort, and closing while one lasts.
 
+#include <QLabel>
+#include <QMenuBar>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -15,6 +18,7 @@
 #include "support/test_images.h"
 #include "ui/command_tree.h"
 #include "ui/image_frame.h"
+#include "ui/progress_panel.h"
 #include "ui/script_list.h"
 #include "ui/text.h"
 #include "ui/window_fixture.h"
@@ -93,6 +97,83 @@ TEST_F(RunWindow, RunsOverAFolderAndShowsCounts) {
     EXPECT_EQ(run.statFiles, 3);
     EXPECT_EQ(run.statOutputs, 3);
     EXPECT_EQ(run.errorCount, 0);
+}
+
+TEST_F(RunWindow, GivesTheKeyboardBackToTheListUnlessTheUserTookIt) {
+    Start();
+    PutPictures(2);
+    SetRun({});
+    Form().scriptList->setFocus();
+    Press(Form().scriptList, Qt::Key_F5);
+    EXPECT_FALSE(Form().scriptList->hasFocus());
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_TRUE(Form().scriptList->hasFocus());
+    Press(Form().scriptList, Qt::Key_F5);
+    Form().run->setFocus();
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_TRUE(Form().run->hasFocus());
+}
+
+TEST_F(RunWindow, ShowsBothLogsAfterwards) {
+    Start();
+    PutPictures(2);
+    SetRun({});
+    Click(Form().run);
+    ASSERT_TRUE(WaitForEnd());
+    const auto shownBy = [this](Act act) {
+        Trigger(act);
+        return FromQt(Window().findChildren<QPlainTextEdit*>().back()->toPlainText());
+    };
+    EXPECT_THAT(shownBy(Act::BatchLog), HasSubstr("---- done ----"));
+    EXPECT_THAT(shownBy(Act::ErrorLog), HasSubstr("0 errors"));
+}
+
+TEST_F(RunWindow, CountsAndStatusAreSpokenWithTheirCaptions) {
+    Start();
+    PutPictures(3);
+    SetRun({});
+    Click(Form().run);
+    ASSERT_TRUE(WaitForEnd());
+    std::vector<std::string> spoken;
+    for (const QLabel* label : Form().progress->findChildren<QLabel*>())
+        spoken.push_back(FromQt(label->accessibleName()));
+    EXPECT_THAT(spoken, testing::IsSupersetOf({"Total input: 3", "Current: 3", "Saved: 3",
+                                               "Errors: 0", "Status: Done!"}));
+}
+
+TEST_F(RunWindow, EveryClosedItemTellsWhyDuringARun) {
+    Start();
+    View().settings.recentScripts[0] = *this / "some.whs";
+    View().settings.recentPictures[0] = *this / "some.bmp";
+    SetEndlessRun();
+    const std::function<void(const QMenu*, std::vector<QAction*>&)> walk =
+        [&](const QMenu* menu, std::vector<QAction*>& leaves) {
+            for (QAction* action : menu->actions()) {
+                if (action->menu())
+                    walk(action->menu(), leaves);
+                else if (!action->isSeparator() && action->isVisible())
+                    leaves.push_back(action);
+            }
+        };
+    std::vector<QAction*> leaves;
+    for (const QAction* action : Window().menuBar()->actions()) walk(action->menu(), leaves);
+    const auto closedForTheRun = [&] {
+        int count = 0;
+        for (const QAction* action : leaves) {
+            const std::string hint = FromQt(action->statusTip());
+            if (!action->isEnabled())
+                EXPECT_THAT(hint, testing::ContainsRegex("\\(.+\\)$")) << FromQt(action->text());
+            count += hint.find("(while a batch run lasts)") != std::string::npos ? 1 : 0;
+        }
+        return count;
+    };
+    EXPECT_EQ(closedForTheRun(), 0);
+    Click(Form().run);
+    ASSERT_TRUE(Window().IsRunning());
+    EXPECT_GT(closedForTheRun(), 180);  // the items that add commands among them
+    Click(Form().run);
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_EQ(closedForTheRun(), 0);
 }
 
 TEST_F(RunWindow, ASecondPressAborts) {

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPlainTextEdit>
@@ -13,10 +14,13 @@
 #include "imaging/codecs/codec.h"
 #include "platform/files.h"
 #include "script/names.h"
+#include "support/codec_files.h"
 #include "support/content_files.h"
 #include "support/test_images.h"
+#include "ui/command_tree.h"
 #include "ui/image_frame.h"
 #include "ui/image_window.h"
+#include "ui/parameter_panel.h"
 #include "ui/script_list.h"
 #include "ui/text.h"
 #include "ui/window_fixture.h"
@@ -80,7 +84,7 @@ TEST_F(SampleWindow, OpensIntoBothFrames) {
 
 TEST_F(SampleWindow, AFailureLeavesTheFormerPicture) {
     OpenSample();
-    test::PutFile(*this / "broken.png", "\x89PNG\r\n\x1a\nbroken");
+    ASSERT_TRUE(platform::WriteFile(*this / "broken.png", test::HeadOfPng(picture_.View())));
     answers.Pick(*this / "broken.png");
     answers.Expect("Open image failure 1342: ", QMessageBox::Ok);
     Click(Form().open);
@@ -170,6 +174,42 @@ TEST_F(SampleWindow, TestAllRefusesOpenBlocks) {
     EXPECT_TRUE(Form().scriptList->isEnabled());
 }
 
+TEST_F(SampleWindow, KeyAEndsTestAllFromItsMessageToo) {
+    SetScript({"START image loop (setup)", "0", "Loop Start (by number)", "1,2,",
+               "Loop End (by number)", "0", "END image loop", "0"});
+    View().working.main.Reset();
+    answers.Do([](QWidget* dialog) {
+        auto* box = qobject_cast<QMessageBox*>(dialog);
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(FromQt(box->text()), "rgbBuf2=NULL 1");
+        QTest::keyClick(box, Qt::Key_A);
+        QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
+    });
+    Click(Form().testAll);
+    EXPECT_EQ(View().run.mode, engine::RunMode::Idle);
+    EXPECT_TRUE(Form().scriptList->isEnabled());
+    QTest::qWait(600);  // no further step, and no further message
+    EXPECT_EQ(Form().scriptList->SelectedRow(), 1);
+}
+
+TEST_F(SampleWindow, ASubroutineThatTestAllLoadsIsShownAndAskedAbout) {
+    test::PutFile(View().settings.folders.subroutines + "/neg.sbr",
+                  "SUBRT\r\nNegative - inverted rgb\r\n0\r\nEND\r\n");
+    SetScript(
+        {"START image loop (setup)", "0", "SUBROUTINE Execute", "1,neg,", "END image loop", "0"});
+    Click(Form().testAll);
+    EXPECT_EQ(Rows().size(), 6U);
+    const auto selected = [this](int row) {
+        return test::WaitUntil([&] { return Form().scriptList->SelectedRow() == row; });
+    };
+    EXPECT_TRUE(selected(4));  // inside of the subroutine
+    EXPECT_FALSE(Form().scriptList->visualRect(Form().scriptList->currentIndex()).isEmpty());
+    ASSERT_TRUE(test::WaitUntil([&] { return Form().scriptList->isEnabled(); }));
+    EXPECT_TRUE(Window().isWindowModified());
+    Trigger(Act::Undo);
+    EXPECT_EQ(Rows().size(), 3U);
+}
+
 TEST_F(SampleWindow, ClosingDuringTestAllEndsTheWalk) {
     SetScript({"START image loop (setup)", "0", "Despeckle", "0", "END image loop", "0"});
     Click(Form().testAll);
@@ -241,6 +281,11 @@ TEST_F(SampleWindow, SplitShowsBeforeOnTheLeftAndAfterOnTheRight) {
     QTest::mouseRelease(&window, Qt::LeftButton, {}, {80, 300});
     EXPECT_EQ(at(100, 200), qRgb(0, 0, 255));
     EXPECT_EQ(at(50, 200), qRgb(255, 0, 0));
+    for (int i = 0; i < 10; ++i) QTest::keyClick(&window, Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_EQ(at(155, 200), qRgb(255, 0, 0));
+    EXPECT_EQ(at(165, 200), qRgb(0, 0, 255));
+    for (int i = 0; i < 30; ++i) QTest::keyClick(&window, Qt::Key_Left, Qt::ShiftModifier);
+    EXPECT_EQ(at(10, 200), qRgb(0, 0, 255));
 }
 
 TEST_F(SampleWindow, EnlargedPixelsAreSquares) {
@@ -313,15 +358,18 @@ TEST_F(SampleWindow, RecentPicturesOpenAgainAndLoseTheirPlaceWhenGone) {
 
 class Drop : public SampleWindow {
   protected:
-    void DropFiles(const std::vector<std::string>& paths) {
+    /// A drop on a control of the window, or on the window itself.
+    void DropFiles(const std::vector<std::string>& paths, QWidget* on = nullptr) {
+        if (!on) on = &Window();
         QMimeData data;
         QList<QUrl> urls;
         for (const std::string& path : paths) urls += QUrl::fromLocalFile(ToQt(path));
         data.setUrls(urls);
+        data.setText(urls.front().toString());  // as file managers do
         QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QApplication::sendEvent(&Window(), &enter);
+        QApplication::sendEvent(on, &enter);
         QDropEvent drop({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QApplication::sendEvent(&Window(), &drop);
+        QApplication::sendEvent(on, &drop);
         QApplication::processEvents();  // it is taken up when the drop is over
     }
 };
@@ -331,6 +379,30 @@ TEST_F(Drop, AnImageBecomesTheSample) {
     DropFiles({*this / "photo.JPEG"});
     EXPECT_TRUE(LeftIs(picture_));
     EXPECT_EQ(View().settings.recentPictures[0], *this / "photo.JPEG");
+}
+
+TEST_F(Drop, AnImageThatCannotBeOpenedLeavesTheFormerPicture) {
+    OpenSample();
+    ASSERT_TRUE(platform::WriteFile(*this / "broken.png", test::HeadOfPng(picture_.View())));
+    for (const char* name : {"broken.png", "gone.png"}) {
+        answers.Expect("Open image failure 1341: ", QMessageBox::Ok);
+        DropFiles({*this / name});
+    }
+    EXPECT_TRUE(LeftIs(picture_));
+    EXPECT_EQ(View().settings.recentPictures[0], *this / "sample.bmp");
+}
+
+TEST_F(Drop, AFileDroppedOnAnyControlIsForTheWindow) {
+    int width = 10;
+    for (QWidget* control : std::initializer_list<QWidget*>{
+             Form().filter, Form().tree->viewport(), Form().scriptList->viewport(),
+             Form().leftFrame, Form().rightFrame, Form().panel, Form().run}) {
+        const std::string path = *this / (std::to_string(++width) + ".bmp");
+        Put(path, test::RandomImage({width, 8}, 1));
+        DropFiles({path}, control);
+        EXPECT_EQ(View().sample.left.Width(), width) << FromQt(control->accessibleName());
+    }
+    EXPECT_EQ(FromQt(Form().filter->text()), "");
 }
 
 TEST_F(Drop, AScriptIsOpened) {
@@ -346,6 +418,12 @@ TEST_F(Drop, AScriptIsOpened) {
 TEST_F(Drop, OtherFilesAreRefusedAndSeveralIgnored) {
     answers.Expect("Unsupported file type!", QMessageBox::Ok);
     DropFiles({*this / "words.doc"});
+    for (const char* name : {"sub.sbr", "images.lst"}) {
+        answers.Expect("Unsupported file type!", QMessageBox::Ok);
+        test::PutFile(*this / name, "SUBRT\r\nEND\r\n");
+        DropFiles({*this / name});
+    }
+    EXPECT_EQ(Rows().size(), 3U);
     DropFiles({*this / "sample.bmp", *this / "sample.bmp"});
     DropFiles({*this / "nodot"});
     EXPECT_THAT(View().sample.path, testing::EndsWith("Frame1.jpg"));

@@ -161,6 +161,21 @@ TEST_F(ScriptFilesWindow, RecentScriptsMoveUpWhenOneIsGone) {
     EXPECT_EQ(View().settings.recentScripts[0], "");
 }
 
+TEST_F(ScriptFilesWindow, ARecentScriptThatIsGoneLeavesUnsavedWorkUnsaved) {
+    Open(*this / "one.whs");
+    Open(*this / "two.whs");
+    Change();
+    std::filesystem::remove(*this / "one.whs");
+    answers.Expect("The script has been changed. Save it?", QMessageBox::Discard);
+    answers.Expect("Unable to open or read Lumoscript script file (.whs)?", QMessageBox::Ok);
+    PressRecent(2);
+    EXPECT_THAT(Rows(), ElementsAre(kStart, "Despeckle", "Median cut", kEnd));
+    EXPECT_TRUE(Window().isWindowModified());
+    answers.Expect("The script has been changed. Save it?", QMessageBox::Cancel);
+    Window().close();
+    EXPECT_TRUE(Window().isVisible());
+}
+
 TEST_F(ScriptFilesWindow, SubroutinesAreLoadedEditedAndSaved) {
     answers.Pick(*this / "sub.sbr");
     Trigger(Act::LoadSubroutine);
@@ -216,14 +231,14 @@ TEST_F(ScriptFilesWindow, LogsOpenInTheDesktopsViewerOrInOurOwn) {
 
 TEST_F(ScriptFilesWindow, ListsAreRememberedAndForgottenWhenGone) {
     test::PutFile(*this / "a.lst", "START\r\nEND\r\n");
-    test::PutFile(*this / "b.lst", "START\r\n; b\r\nEND\r\n");
+    test::PutFile(*this / "b.LST", "START\r\n; b\r\nEND\r\n");
     answers.Pick(*this / "a.lst");
     Trigger(Act::ListAsText);
-    answers.Pick(*this / "b.lst");
+    answers.Pick(*this / "b.LST");
     Trigger(Act::ListAsText);
     EXPECT_THAT(ShownText(), HasSubstr("; b"));
-    EXPECT_THAT(View().settings.recentLists, ElementsAre(*this / "b.lst", *this / "a.lst", "", ""));
-    std::filesystem::remove(*this / "b.lst");
+    EXPECT_THAT(View().settings.recentLists, ElementsAre(*this / "b.LST", *this / "a.lst", "", ""));
+    std::filesystem::remove(*this / "b.LST");
     answers.Cancel();  // the editor, with the list that moved up
     for (QAction* action : Window().findChildren<QAction*>())
         if (action->isVisible() && action->text().startsWith(QStringLiteral("&1 ")) &&

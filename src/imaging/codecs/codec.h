@@ -43,6 +43,7 @@ struct DecodeLimits {
     std::size_t maxPixels = 500'000'000;           // per picture
     int maxScans = 100;                            // of a progressive JPG
     std::size_t maxMemory = std::size_t{2} << 30;  // bytes inside a library
+    Size* stated = nullptr;  // if set: RefuseSize notes here the first size that it is asked about
 };
 
 struct DecodeOptions {
@@ -71,6 +72,10 @@ Format FormatOfContent(ByteView file);
 /// Decodes a whole file: by content first, by the format of its extension only where the content
 /// says nothing. Never throws, never crashes, bounded by the limits in time and memory.
 Result<Decoded> Decode(ByteView file, Format fromExtension, const DecodeOptions& options = {});
+
+/// Width and height that the head of a file states, read by the rules of Decode but without any
+/// pixels. Fails, with the reason, where Decode fails before it knows them.
+Result<Size> GetImageDims(ByteView file, Format fromExtension);
 
 // ---- Writers: each gives the whole file. The picture is never empty. --------------------------
 

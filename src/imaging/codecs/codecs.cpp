@@ -95,4 +95,13 @@ Result<Decoded> Decode(ByteView file, Format fromExtension, const DecodeOptions&
     return result;
 }
 
+Result<Size> GetImageDims(ByteView file, Format fromExtension) {
+    // Every decoder asks whether the size is allowed before it does more: none is.
+    Size stated;
+    const Result<Decoded> refused =
+        Decode(file, fromExtension, {.limits = {.maxSide = 0, .maxPixels = 0, .stated = &stated}});
+    if (stated.IsEmpty()) return platform::Error{refused.Message()};
+    return stated;
+}
+
 }  // namespace lumo::imaging::codecs
