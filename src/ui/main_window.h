@@ -79,13 +79,15 @@ class MainWindow : public QMainWindow, private Screen {
     void BindImageActions();
     void BindOtherActions();
     void ConnectForm();
+    void ShowSettings();
+    void ShowFullScreen(Side side);
+
+    // main_window_files.cpp: lists, logs, the Temp folder, dropped files.
     void ShowTextFileOf(std::string_view title, std::string_view filter, std::string folder);
     void OpenRecentList(int n);
     void EditList(const std::string& path);
     std::string ListAtHand() const;
     void EmptyTempFolder();
-    void ShowSettings();
-    void ShowFullScreen(Side side);
     void OpenDropped(const std::string& path);
 
     // main_window_runs.cpp

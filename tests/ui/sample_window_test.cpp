@@ -430,13 +430,13 @@ TEST_F(Drop, OtherFilesAreRefusedAndSeveralIgnored) {
 }
 
 TEST_F(SampleWindow, ALargeSampleIsShownInBothFrames) {
-    const imaging::Image large = test::PhotoLikeImage({6000, 4000});
+    const imaging::Image large = test::PhotoLikeImage({3000, 2000});
     const auto bytes = imaging::codecs::EncodeJpeg(large.View(), {});
     ASSERT_TRUE(bytes);
     ASSERT_TRUE(platform::WriteFile(*this / "large.jpg", *bytes));
     answers.Pick(*this / "large.jpg");
     Trigger(Act::OpenImage);
-    EXPECT_EQ(Form().leftFrame->Picture().source, (imaging::Size{6000, 4000}));
+    EXPECT_EQ(Form().leftFrame->Picture().source, (imaging::Size{3000, 2000}));
     EXPECT_EQ(Form().leftFrame->Picture().pixels, Form().rightFrame->Picture().pixels);
 }
 
