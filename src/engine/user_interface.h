@@ -39,8 +39,7 @@ class UserInterface {
     }
     /// A window with a text of many lines, as they stand.
     virtual void ShowReport([[maybe_unused]] std::string_view title,
-                            [[maybe_unused]] std::string_view text) {
-    }
+                            [[maybe_unused]] std::string_view text) {}
     /// A question with Yes and No; false is No.
     virtual bool Ask(std::string_view question) = 0;
 

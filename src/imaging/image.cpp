@@ -20,7 +20,8 @@ std::optional<Image> Image::TryCreate(Size size) {
 
 std::optional<Image> Image::TryCopy(ConstImageView source) {
     auto copy = TryCreate(source.Extent());
-    if (copy) std::memcpy(copy->View().Bytes().data(), source.Bytes().data(), source.Bytes().size());
+    if (copy)
+        std::memcpy(copy->View().Bytes().data(), source.Bytes().data(), source.Bytes().size());
     return copy;
 }
 

@@ -5,8 +5,14 @@ namespace {
 thread_local std::string lastError;
 }
 
-void SetLastError(std::string_view text) { lastError = text; }
-void ClearLastError() { lastError.clear(); }
-std::string LastError() { return lastError.empty() ? "0" : lastError; }
+void SetLastError(std::string_view text) {
+    lastError = text;
+}
+void ClearLastError() {
+    lastError.clear();
+}
+std::string LastError() {
+    return lastError.empty() ? "0" : lastError;
+}
 
 }  // namespace lumo::imaging

@@ -16,7 +16,9 @@ constexpr std::size_t kBytesPerThread = std::size_t{1} << 20;
 
 }  // namespace
 
-int KernelThreads() { return kernelThreads.load(std::memory_order_relaxed); }
+int KernelThreads() {
+    return kernelThreads.load(std::memory_order_relaxed);
+}
 void SetKernelThreads(int count) {
     kernelThreads.store(std::clamp(count, 1, 64), std::memory_order_relaxed);
 }

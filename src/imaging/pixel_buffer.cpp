@@ -130,9 +130,17 @@ void PixelBuffer::Release() {
     capacity_ = 0;
 }
 
-std::size_t MemoryBudget() { return ThePool().Budget(); }
-void SetMemoryBudget(std::size_t bytes) { ThePool().SetBudget(bytes); }
-std::size_t MemoryInUse() { return ThePool().InUse(); }
-void TrimPixelPool() { ThePool().Trim(); }
+std::size_t MemoryBudget() {
+    return ThePool().Budget();
+}
+void SetMemoryBudget(std::size_t bytes) {
+    ThePool().SetBudget(bytes);
+}
+std::size_t MemoryInUse() {
+    return ThePool().InUse();
+}
+void TrimPixelPool() {
+    ThePool().Trim();
+}
 
 }  // namespace lumo::imaging

@@ -117,8 +117,8 @@ struct Settings {
     /// Placement of each dialog, by "WS23".
     std::map<std::string, WindowState, std::less<>> windows;
 
-    // Limits of our own (table [Limits]), up to that of a 32-bit integer; 0: the default of the code
-    // that uses it.
+    // Limits of our own (table [Limits]), up to that of a 32-bit integer; 0: the default of the
+    // code that uses it.
     std::int64_t memoryBudgetMegabytes = 0;
     std::int64_t maxPictureMegapixels = 0;
     std::int64_t maxPictureSide = 0;

@@ -15,7 +15,9 @@ ByteList& ByteList::Little(std::uint32_t v, int count) {
     return *this;
 }
 
-ByteList& ByteList::F32(float v) { return U32(std::bit_cast<std::uint32_t>(v)); }
+ByteList& ByteList::F32(float v) {
+    return U32(std::bit_cast<std::uint32_t>(v));
+}
 
 ByteList& ByteList::Words(std::initializer_list<int> values) {
     for (const int v : values) U16(static_cast<std::uint32_t>(v));

@@ -161,8 +161,9 @@ TEST_F(RunWindow, EveryClosedItemTellsWhyDuringARun) {
         int count = 0;
         for (const QAction* action : leaves) {
             const std::string hint = FromQt(action->statusTip());
-            if (!action->isEnabled())
+            if (!action->isEnabled()) {
                 EXPECT_THAT(hint, testing::ContainsRegex("\\(.+\\)$")) << FromQt(action->text());
+            }
             count += hint.find("(while a batch run lasts)") != std::string::npos ? 1 : 0;
         }
         return count;

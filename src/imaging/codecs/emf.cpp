@@ -10,11 +10,9 @@ using namespace metafile;
 Result<Decoded> DecodeEmf(ByteView bytes, const DecodeOptions& options) {
     const auto file = OpenEmf(bytes);
     if (!file) return platform::Error{"not an enhanced metafile"};
-    if (const auto bitmap = SingleBitmapOf(*file, options))
-        return CopyBitmap(*bitmap, Format::Emf);
+    if (const auto bitmap = SingleBitmapOf(*file, options)) return CopyBitmap(*bitmap, Format::Emf);
     const Point stated = file->StatedSize();
-    if (!(stated.x > 0) || !(stated.y > 0))
-        return platform::Error{"the metafile states no size"};
+    if (!(stated.x > 0) || !(stated.y > 0)) return platform::Error{"the metafile states no size"};
     const Size size = WholePixels(stated);
     bool onlyPlus = false;
     auto decoded = Render(size, options.limits, Format::Emf, [&](Canvas& canvas) {

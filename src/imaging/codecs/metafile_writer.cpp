@@ -39,8 +39,12 @@ class Writer {
     Bytes bytes_;
 };
 
-std::size_t RowBytes(Size size) { return (StrideOf(size) + 3) / 4 * 4; }
-std::size_t RowsBytes(Size size) { return RowBytes(size) * static_cast<std::size_t>(size.height); }
+std::size_t RowBytes(Size size) {
+    return (StrideOf(size) + 3) / 4 * 4;
+}
+std::size_t RowsBytes(Size size) {
+    return RowBytes(size) * static_cast<std::size_t>(size.height);
+}
 
 // Header and rows, from the bottom, blue first.
 void Writer::Bitmap(ConstImageView image) {
@@ -97,11 +101,11 @@ Bytes EncodeWmf(ConstImageView image, bool placeable) {
                               kStretchModeWords + bitmapWords + kEndWords;
     Writer writer(words * 2 + 22);
     if (placeable) WritePlaceableHeader(writer, size);
-    writer.U16(1);       // in memory or a file of its own
+    writer.U16(1);  // in memory or a file of its own
     writer.U16(kHeaderWords);
     writer.U16(0x0300);  // with bitmaps that depend on no device
     writer.U32(words);
-    writer.U16(0);       // objects
+    writer.U16(0);  // objects
     writer.U32(bitmapWords);
     writer.U16(0);
     writer.WmfRecord(0x0103, {8});                        // units scale both ways
@@ -194,9 +198,10 @@ Result<Bytes> EncodeMetafile(ConstImageView image, Format format) {
     const Size size = image.Extent();
     const bool isEmf = format == Format::Emf;
     if (!isEmf && (size.width > kWmfMaxSide || size.height > kWmfMaxSide))
-        return platform::Error{fmt::format("a picture of {} x {} is too large for a Windows "
-                                           "metafile, whose sides end at {}",
-                                           size.width, size.height, kWmfMaxSide)};
+        return platform::Error{
+            fmt::format("a picture of {} x {} is too large for a Windows "
+                        "metafile, whose sides end at {}",
+                        size.width, size.height, kWmfMaxSide)};
     if (EmfBytes(size) > std::numeric_limits<std::uint32_t>::max())
         return platform::Error{fmt::format("a picture of {} x {} is too large for a metafile",
                                            size.width, size.height)};

@@ -42,9 +42,8 @@ Result<Decoded> DecodeWmf(ByteView bytes, const DecodeOptions& options) {
         base = fit->base;
     }
     const Size size = WholePixels(*stated);
-    return Render(size, options.limits, format, [&](Canvas& canvas) {
-        return PlayWmf(*file, canvas, size, base, options);
-    });
+    return Render(size, options.limits, format,
+                  [&](Canvas& canvas) { return PlayWmf(*file, canvas, size, base, options); });
 }
 
 }  // namespace lumo::imaging::codecs
