@@ -118,13 +118,14 @@ TEST_F(SampleTests, AMissingSubroutineIsLoadedAndStays) {
     test::PutFile(folder / "neg.sbr", "SUBRT\r\nNegative - inverted rgb\r\n0\r\nEND\r\n");
     Add(names::kStartImageLoop);
     Add(names::kSubroutineExecute, "1,neg,");
+    Add(names::kFlipVertical);
     Add(names::kEndImageLoop);
     const script::Script before = view.script.commands;
-    const auto red = view.working.main.View().Pixel(0, 0).red;
+    const auto red = view.working.main.View().Pixel(0, 9).red;
     ASSERT_TRUE(Walk());
-    EXPECT_EQ(view.script.commands.Count(), 6);
+    EXPECT_EQ(view.script.commands.Count(), 7);
     EXPECT_EQ(ui.scriptChanges, 1);  // before the walk selects what was loaded
-    EXPECT_THAT(ui.selected, ElementsAre(0, 1, 4, 5, 1));
+    EXPECT_THAT(ui.selected, ElementsAre(0, 1, 5, 6, 2, 2));
     EXPECT_EQ(view.working.main.View().Pixel(0, 0).red, 255 - red);
     EXPECT_TRUE(view.script.modified);
     RestoreUndoCopy(view);

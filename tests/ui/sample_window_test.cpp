@@ -195,19 +195,19 @@ TEST_F(SampleWindow, KeyAEndsTestAllFromItsMessageToo) {
 TEST_F(SampleWindow, ASubroutineThatTestAllLoadsIsShownAndAskedAbout) {
     test::PutFile(View().settings.folders.subroutines + "/neg.sbr",
                   "SUBRT\r\nNegative - inverted rgb\r\n0\r\nEND\r\n");
-    SetScript(
-        {"START image loop (setup)", "0", "SUBROUTINE Execute", "1,neg,", "END image loop", "0"});
+    SetScript({"START image loop (setup)", "0", "SUBROUTINE Execute", "1,neg,", "Despeckle", "0",
+               "END image loop", "0"});
     Click(Form().testAll);
-    EXPECT_EQ(Rows().size(), 6U);
+    EXPECT_EQ(Rows().size(), 7U);
     const auto selected = [this](int row) {
         return test::WaitUntil([&] { return Form().scriptList->SelectedRow() == row; });
     };
-    EXPECT_TRUE(selected(4));  // inside of the subroutine
+    EXPECT_TRUE(selected(5));  // inside of the subroutine
     EXPECT_FALSE(Form().scriptList->visualRect(Form().scriptList->currentIndex()).isEmpty());
     ASSERT_TRUE(test::WaitUntil([&] { return Form().scriptList->isEnabled(); }));
     EXPECT_TRUE(Window().isWindowModified());
     Trigger(Act::Undo);
-    EXPECT_EQ(Rows().size(), 3U);
+    EXPECT_EQ(Rows().size(), 4U);
 }
 
 TEST_F(SampleWindow, ClosingDuringTestAllEndsTheWalk) {

@@ -99,7 +99,7 @@ Result<Size> GetImageDims(ByteView file, Format fromExtension) {
     // Every decoder asks whether the size is allowed before it does more: none is.
     Size stated;
     const Result<Decoded> refused =
-        Decode(file, fromExtension, {.limits = {.maxSide = 0, .maxPixels = 0, .stated = &stated}});
+        Decode(file, fromExtension, {.limits = {.maxPixels = 0, .stated = &stated}});
     if (stated.IsEmpty()) return platform::Error{refused.Message()};
     return stated;
 }
