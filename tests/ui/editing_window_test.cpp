@@ -2,13 +2,10 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QDrag>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
-#include <QWindow>
 
 #include "engine/editing.h"
 #include "script/names.h"
@@ -223,28 +220,6 @@ TEST_F(EditingWindow, ARowCanBeDragged) {
     answers.Expect("You may change position of any Commands except Start and End!",
                    QMessageBox::Ok);
     DropAt(list, at(0, false));
-}
-
-TEST_F(EditingWindow, ADragByTheMouseMovesTheRow) {
-    SetScript({kStart, "0", "Despeckle", "0", "Median cut", "0", "Blur", "1,25,", kEnd, "0"});
-    ScriptList* list = Form().scriptList;
-    const auto inWindow = [&](int row, int below) {
-        const QPoint middle = list->visualRect(list->model()->index(row, 0)).center();
-        return list->viewport()->mapTo(&Window(), middle + QPoint(0, below));
-    };
-    const QPoint from = inWindow(1, 0), to = inWindow(3, 4);
-    QWindow* window = Window().windowHandle();
-    // The drag runs an event loop of its own, in which the pointer goes on.
-    QTimer::singleShot(100, [&] { QTest::mouseMove(window, (from + to) / 2); });
-    QTimer::singleShot(200, [&] { QTest::mouseMove(window, to); });
-    QTimer::singleShot(300, [&] { QTest::mouseRelease(window, Qt::LeftButton, {}, to); });
-    QTimer::singleShot(5000, [] { QDrag::cancel(); });
-    QTest::mousePress(window, Qt::LeftButton, {}, from);
-    QTest::mouseMove(window, from + QPoint(0, 2));
-    QTest::mouseMove(window, from + QPoint(0, QApplication::startDragDistance() + 2));
-    EXPECT_TRUE(test::WaitUntil([&] { return Selected() == 3; }, 6));
-    EXPECT_THAT(Rows(), ElementsAre(kStart, "Median cut", "Blur", "Despeckle", kEnd));
-    EXPECT_EQ(View().script.commands.ParamsAt(2), "1,25,");
 }
 
 TEST_F(EditingWindow, PanelShowsTheSelectedCommand) {

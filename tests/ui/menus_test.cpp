@@ -3,7 +3,6 @@
 
 #include <QGroupBox>
 #include <QHelpEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -206,7 +205,6 @@ TEST_F(MenuTest, TheHintOfTheControlUnderThePointerIsShown) {
     const MainForm& form = Form();
     EXPECT_EQ(FromQt(form.imageGroup->toolTip()),
               "Single sample image is displayed and operated on in this area.");
-    QWidget* panelLine = form.panel->findChild<QLabel*>();
     const std::pair<QWidget*, const QWidget*> controls[] = {
         {form.imageGroup, form.imageGroup},
         {form.leftFrame, form.leftFrame},
@@ -220,7 +218,7 @@ TEST_F(MenuTest, TheHintOfTheControlUnderThePointerIsShown) {
         {form.testAll, form.testAll},
         {form.saveAs, form.saveAs},
         {form.run, form.run},
-        {panelLine, form.panel},
+        {form.panel, form.panel},
         {form.add, form.add},
         {form.swapUp, form.swapUp},  // disabled, as START is selected
         {form.swapDown, form.swapDown},

@@ -109,9 +109,9 @@ TEST_F(RunWindow, GivesTheKeyboardBackToTheListUnlessTheUserTookIt) {
     ASSERT_TRUE(WaitForEnd());
     EXPECT_TRUE(Form().scriptList->hasFocus());
     Press(Form().scriptList, Qt::Key_F5);
-    Form().run->setFocus();
+    Form().tree->setFocus();
     ASSERT_TRUE(WaitForEnd());
-    EXPECT_TRUE(Form().run->hasFocus());
+    EXPECT_TRUE(Form().tree->hasFocus());
 }
 
 TEST_F(RunWindow, ShowsBothLogsAfterwards) {
