@@ -47,12 +47,20 @@ CommandTree::CommandTree(QWidget* parent)
 
 void CommandTree::SetFilter(const QString& text) {
     filtered_->setFilterFixedString(text);
-    if (text.isEmpty())
+    if (text.isEmpty()) {
         collapseAll();
-    else
+    } else {
         expandAll();
+        setCurrentIndex(FirstCommand());
+    }
     if (currentIndex().isValid()) scrollTo(currentIndex());
     Q_EMIT SelectionChanged();
+}
+
+QModelIndex CommandTree::FirstCommand() const {
+    QModelIndex at = filtered_->index(0, 0);
+    while (filtered_->hasChildren(at)) at = filtered_->index(0, 0, at);
+    return at;
 }
 
 std::string CommandTree::SelectedName() const {

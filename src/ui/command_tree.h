@@ -15,6 +15,7 @@ class CommandTree : public QTreeView {
   public:
     explicit CommandTree(QWidget* parent);
 
+    /// Selects the first command that is left.
     void SetFilter(const QString& text);
     /// The selected name: that of a command or a category; "Null" if nothing is selected.
     std::string SelectedName() const;
@@ -30,6 +31,8 @@ class CommandTree : public QTreeView {
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
   private:
+    QModelIndex FirstCommand() const;
+
     QStandardItemModel* commands_;
     QSortFilterProxyModel* filtered_;
 };

@@ -222,6 +222,16 @@ TEST_F(EditingWindow, ARowCanBeDragged) {
     DropAt(list, at(0, false));
 }
 
+TEST_F(EditingWindow, EnterInTheFilterBoxLeadsToTheFirstCommandThatIsLeft) {
+    Form().filter->setFocus();
+    QTest::keyClicks(Form().filter, QStringLiteral("swap"));
+    EXPECT_EQ(Form().tree->SelectedName(), "Swap - red and blue");
+    QTest::keyClick(Form().filter, Qt::Key_Return);
+    EXPECT_TRUE(Form().tree->hasFocus());
+    QTest::keyClick(Form().tree, Qt::Key_Return);
+    EXPECT_THAT(Rows(), testing::Contains("Swap - red and blue"));
+}
+
 TEST_F(EditingWindow, PanelShowsTheSelectedCommand) {
     SetScript({kStart, "0", "Scale: change image size", "6,1,0,240,240,13,2,", "ELSE_START", "0",
                kEnd, "0"});
