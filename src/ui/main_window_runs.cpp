@@ -71,6 +71,7 @@ void MainWindow::AfterStart() {
 
 void MainWindow::RunHasEnded() {
     engine::JoinWorker(view_);
+    view_.run.keepRunning = 1;  // "Abort" may have come behind the last command
     running_ = false;
     controlsClosed_ = false;
     if (std::exchange(exitAfterRun_, false)) exitStatus_ = StatusOf(view_.run);
