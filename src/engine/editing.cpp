@@ -114,13 +114,13 @@ void SelectCommand(CLumoscriptView& view, int index) {
 
 void TakeUndoCopy(CLumoscriptView& view) {
     ScriptState& state = view.script;
-    state.hasUndo = !view.run.batchRunning;
-    if (state.hasUndo) state.undo = state.commands;
+    state.undoValid = !view.run.batchRunning;
+    if (state.undoValid) state.undo = state.commands;
 }
 
 void RestoreUndoCopy(CLumoscriptView& view) {
     ScriptState& state = view.script;
-    const bool valid = std::exchange(state.hasUndo, false);
+    const bool valid = std::exchange(state.undoValid, false);
     if (!valid || view.run.batchRunning) return;
     const int selected = SelectedCommand(view);
     state.commands = std::move(state.undo);
@@ -276,7 +276,7 @@ ParameterPanel ShowParameterPanel(const CLumoscriptView& view, int index) {
 
 EditButtons UpdateButtons(const CLumoscriptView& view) {
     const int selected = SelectedCommand(view);
-    EditButtons buttons{.undo = view.script.hasUndo && !view.run.batchRunning};
+    EditButtons buttons{.undo = view.script.undoValid && !view.run.batchRunning};
     if (selected < 0) return buttons;
     const script::Script& commands = view.script.commands;
     buttons.swapUp = selected > 0;

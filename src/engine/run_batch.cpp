@@ -166,7 +166,7 @@ bool TryPrepare(CLumoscriptView& view) {
     run.startTime = std::chrono::system_clock::now();
     view.test.running = false;
     view.counters.fill(0);
-    view.script.hasUndo = false;
+    view.script.undoValid = false;
 
     const int start = view.script.commands.Find(names::kStartImageLoop);
     if (start < 0) {

@@ -41,7 +41,7 @@ bool CheckAndShowScript(CLumoscriptView& view) {
     const bool inOrder = CheckScriptStructure(view);
     if (view.script.commands.Count() == before.Count()) return inOrder;
     view.script.undo = std::move(before);
-    view.script.hasUndo = true;
+    view.script.undoValid = true;
     view.script.modified = true;
     view.ui.ScriptChanged();
     SelectCommand(view, SelectedCommand(view));

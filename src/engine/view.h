@@ -30,8 +30,8 @@ inline constexpr int kSubroutineStackWords = 2400;
 struct ScriptState {
     script::Script commands;
     int selected = 0;     // index in `commands`; editing.h keeps it inside
-    script::Script undo;  // valid if hasUndo
-    bool hasUndo = false;
+    script::Script undo;  // valid if undoValid
+    bool undoValid = false;
     bool hasFile = false;
     bool modified = false;
     std::string path;                                 // of the file, if hasFile

@@ -112,14 +112,14 @@ void Play(CLumoscriptView& view, test::RecordingInterface& ui, unsigned seed, in
     RandomUser user(view, ui, seed);
     for (int i = 0; i < steps; ++i) {
         const Script before = view.script.commands;
-        const bool hadUndo = view.script.hasUndo;
+        const bool hadUndo = view.script.undoValid;
         const Script kept = view.script.undo;
         user.Step();
         ASSERT_NO_FATAL_FAILURE(ExpectInvariants(view, markers)) << "step " << i;
         const Script& now = view.script.commands;
         if (now == before) continue;
         ASSERT_TRUE(view.script.modified);
-        if (view.script.hasUndo) {
+        if (view.script.undoValid) {
             ASSERT_EQ(view.script.undo, before) << "step " << i;
         } else {
             ASSERT_TRUE(hadUndo);  // it was the undo itself

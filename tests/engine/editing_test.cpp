@@ -59,7 +59,7 @@ TEST_F(Editing, AddWithoutParametersStoresZeroBehindTheSelection) {
     EXPECT_EQ(view.script.selected, 2);
     EXPECT_THAT(ui.selected, ElementsAre(2));
     EXPECT_TRUE(view.script.modified);
-    EXPECT_TRUE(view.script.hasUndo);
+    EXPECT_TRUE(view.script.undoValid);
 }
 
 TEST_F(Editing, AddOnTheLastItemStandsBeforeEnd) {
@@ -104,7 +104,7 @@ TEST_F(Editing, CancelInTheDialogAddsNothing) {
     EXPECT_THAT(ui.dialogs, ElementsAre(names::kCrop));
     EXPECT_EQ(Commands(), before);
     EXPECT_FALSE(view.script.modified);
-    EXPECT_FALSE(view.script.hasUndo);
+    EXPECT_FALSE(view.script.undoValid);
 }
 
 TEST_F(Editing, ThePlainBlursAreAddedWithTheirFixedStrings) {
@@ -218,7 +218,7 @@ TEST_F(Editing, CommandsWithoutEditFunctionDoNothing) {
     }
     EXPECT_THAT(ui.dialogs, IsEmpty());
     EXPECT_FALSE(view.script.modified);
-    EXPECT_FALSE(view.script.hasUndo);
+    EXPECT_FALSE(view.script.undoValid);
     EXPECT_FALSE(EditCommandAt(view, -1));
     EXPECT_FALSE(EditCommandAt(view, 5));
 }
@@ -251,7 +251,7 @@ TEST_F(Editing, MarkersCannotBeDeleted) {
     EXPECT_THAT(ui.messages, ElementsAre(kWords, kWords));
     EXPECT_THAT(ui.boxes, ElementsAre(Pair("", MessageIcon::Stop), Pair("", MessageIcon::Stop)));
     EXPECT_EQ(Commands(), before);
-    EXPECT_FALSE(view.script.hasUndo);
+    EXPECT_FALSE(view.script.undoValid);
 }
 
 TEST_F(Editing, SwapsCarryTheParametersAndTheSelection) {
@@ -299,7 +299,7 @@ TEST_F(Editing, MarkersDoNotChangePlaces) {
     SwapUp(view);
     EXPECT_THAT(ui.messages, ElementsAre(kWords, kWords));
     EXPECT_EQ(Commands(), before);
-    EXPECT_FALSE(view.script.hasUndo);
+    EXPECT_FALSE(view.script.undoValid);
 }
 
 TEST_F(Editing, MoveIsSoManySwapsAndOneUndo) {
@@ -328,7 +328,7 @@ TEST_F(Editing, MoveOutsideOfTheScriptDoesNothing) {
     for (const auto& [from, to] : {std::pair{-1, 0}, {0, -1}, {1, 4}, {4, 1}, {2, 2}})
         EXPECT_FALSE(MoveCommand(view, from, to)) << from << " to " << to;
     EXPECT_EQ(Commands(), before);
-    EXPECT_FALSE(view.script.hasUndo);
+    EXPECT_FALSE(view.script.undoValid);
 }
 
 // ---- Undo ----
@@ -341,7 +341,7 @@ TEST_F(Editing, UndoRestoresOnceAndThenDoesNothing) {
     RestoreUndoCopy(view);
     EXPECT_EQ(Commands(), before);
     EXPECT_TRUE(view.script.modified);
-    EXPECT_FALSE(view.script.hasUndo);
+    EXPECT_FALSE(view.script.undoValid);
     RestoreUndoCopy(view);
     EXPECT_EQ(Commands(), before);
     EXPECT_NE(Commands(), after);
@@ -365,10 +365,10 @@ TEST_F(Editing, DuringABatchUndoIsForgotten) {
     EXPECT_FALSE(UpdateButtons(view).undo);
     RestoreUndoCopy(view);
     EXPECT_EQ(Commands(), after);
-    EXPECT_FALSE(view.script.hasUndo);
-    view.script.hasUndo = true;
+    EXPECT_FALSE(view.script.undoValid);
+    view.script.undoValid = true;
     TakeUndoCopy(view);
-    EXPECT_FALSE(view.script.hasUndo);
+    EXPECT_FALSE(view.script.undoValid);
     view.run.batchRunning = false;
 }
 
@@ -416,7 +416,7 @@ TEST_F(Editing, PasteOfAnythingElseDoesNothingAndSaysNothing) {
     }
     EXPECT_EQ(Commands(), before);
     EXPECT_THAT(ui.messages, IsEmpty());
-    EXPECT_FALSE(view.script.hasUndo);
+    EXPECT_FALSE(view.script.undoValid);
     EXPECT_FALSE(view.script.modified);
 }
 

@@ -44,7 +44,7 @@ TEST_F(Start, MakesFoldersSettingsAndANewScript) {
     EXPECT_EQ(script.commands.ParamsAt(1), "11,0,,0,jpg,0,0,,,0,0,0,");
     EXPECT_EQ(script.commands.ParamsAt(2), "0");
     EXPECT_FALSE(script.hasFile);
-    EXPECT_FALSE(script.hasUndo);
+    EXPECT_FALSE(script.undoValid);
     EXPECT_TRUE(script.modified);
     EXPECT_EQ(script.caption, "Batch script: (unsaved)");
 }
@@ -115,7 +115,7 @@ TEST_F(Opening, GivesAScriptItsMarkersAndItsCaption) {
 TEST_F(Opening, KeepsTheScriptOfBeforeForUndo) {
     const script::Script before = view.script.commands;
     ASSERT_TRUE(Open("a.whs", "BEGIN\r\nBlur\r\n1,25,\r\nEND\r\n"));
-    EXPECT_TRUE(view.script.hasUndo);
+    EXPECT_TRUE(view.script.undoValid);
     EXPECT_EQ(view.script.undo, before);
     EXPECT_FALSE(OpenScript(view, root / "missing.whs"));
     EXPECT_EQ(view.script.undo, before);
