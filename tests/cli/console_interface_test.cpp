@@ -1,11 +1,13 @@
 #include "cli/console_interface.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <poll.h>
 #include <pty.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 namespace lumo::cli {
@@ -48,7 +50,18 @@ class CapturedError {
     int from_ = -1;
 };
 
+/// A bare chroot, where /dev/pts is not mounted, has none to give.
+bool HasTerminals() {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+    if (terminal < 0) return false;
+    close(terminal);
+    return true;
+}
+
+constexpr const char* kNoTerminal = "this system has no pseudo terminals";
+
 TEST(ConsoleInterface, DrawsProgressOnATerminalAndTakesItAway) {
+    if (!HasTerminals()) GTEST_SKIP() << kNoTerminal;
     CapturedError error(true);
     {
         ConsoleInterface console(false);
@@ -64,6 +77,7 @@ TEST(ConsoleInterface, DrawsProgressOnATerminalAndTakesItAway) {
 }
 
 TEST(ConsoleInterface, DrawsNoProgressOnceTheRunIsOver) {
+    if (!HasTerminals()) GTEST_SKIP() << kNoTerminal;
     CapturedError error(true);
     ConsoleInterface console(false);
     console.SetTitle("");
@@ -74,6 +88,7 @@ TEST(ConsoleInterface, DrawsNoProgressOnceTheRunIsOver) {
 
 TEST(ConsoleInterface, QuietOrWithoutATerminalThereIsNone) {
     for (const bool terminal : {false, true}) {
+        if (terminal && !HasTerminals()) GTEST_SKIP() << kNoTerminal;
         CapturedError error(terminal);
         ConsoleInterface console(terminal);
         console.SetTitle("33% Done");
