@@ -83,6 +83,7 @@ void ReadFrom(engine::CLumoscriptView& view, const std::string& stated) {
     if (at < 0) return;
     const script::Fields read = io::ParseStartParams(commands.ParamsAt(at));
     std::vector<std::string> texts;
+    texts.reserve(start::kFieldCount);
     for (int field = 0; field < start::kFieldCount; ++field) texts.push_back(read.Text(field));
     // A path with a slash is taken as it stands, backslashes and all.
     const std::string path = stated.find('/') == std::string::npos ? "./" + stated : stated;

@@ -30,7 +30,7 @@ class ListRows : public QListWidget {
     /// Below the last selected row, or at the end; the new rows become the selection.
     void Insert(const std::vector<std::string>& lines);
     std::string LineAt(int row) const;
-    void SetLineAt(int row, std::string line);
+    void SetLineAt(int row, const std::string& line);
     /// In ascending order.
     std::vector<int> SelectedRows() const;
     void RemoveSelected();

@@ -45,6 +45,7 @@ ListRows::ListRows(const engine::CLumoscriptView& view, QWidget* parent)
 
 std::vector<std::string> ListRows::Lines() const {
     std::vector<std::string> lines;
+    lines.reserve(static_cast<std::size_t>(count()));
     for (int row = 0; row < count(); ++row) lines.push_back(LineAt(row));
     return lines;
 }
@@ -53,7 +54,7 @@ std::string ListRows::LineAt(int row) const {
     return LineOf(*item(row));
 }
 
-void ListRows::SetLineAt(int row, std::string line) {
+void ListRows::SetLineAt(int row, const std::string& line) {
     Show(*item(row), line);
     Q_EMIT Edited();
 }

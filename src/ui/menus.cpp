@@ -87,7 +87,7 @@ void ShowMenu(QMenu* menu, QPoint globalPlace) {
 
 }  // namespace
 
-RecentItems::RecentItems(QMenu* menu, const QString& hint, std::function<void(int)> open)
+RecentItems::RecentItems(QMenu* menu, const QString& hint, const std::function<void(int)>& open)
     : QObject(menu), separator_(menu->addSeparator()), hint_(hint) {
     for (int n = 1; n <= 4; ++n) {
         QAction* item = menu->addAction(QString());

@@ -18,7 +18,7 @@ class RecentItems : public QObject {
 
   public:
     /// The items stand at the end of the menu as it is now, behind a separator.
-    RecentItems(QMenu* menu, const QString& hint, std::function<void(int)> open);
+    RecentItems(QMenu* menu, const QString& hint, const std::function<void(int)>& open);
 
     void Show(const settings::RecentFiles& files);
     /// `reason` is added to the hints of items that cannot be had.
